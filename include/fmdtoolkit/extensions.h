@@ -1,0 +1,19 @@
+/* extensions.h - what hosts need beyond the interface of fmdtoolkit.h. */
+#ifndef FMDTOOLKIT_EXTENSIONS_H
+#define FMDTOOLKIT_EXTENSIONS_H
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Called by long work with the steps done and their total: once with 0 at its start, then after each step. */
+typedef void (*FmdxProgressHandler)(int done, int total);
+
+/* Installs the handler; null, as at the start, switches progress off. */
+void FMDX_SetProgressHandler(FmdxProgressHandler handler);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,475 @@
+/* fmdtoolkit.h - flexible bodies of a multibody simulation: build, check, store.
+ *
+ * This header is the manual of the toolkit. It is plain C (C11) and compiles as C++17.
+ *
+ * Conventions
+ *
+ *  1. Names.       FMD_ operations work on a body, DB_ operations on the database behind it.
+ *  2. Results.     An int result is 1 for success and 0 for failure; an index lookup answers -1 for
+ *                  "not found"; a getter answers 0, 0.0 or a null pointer for a bad argument. Where
+ *                  an operation differs, its comment says so.
+ *  3. Messages.    The library prints nothing. It speaks through three handlers that the host installs
+ *                  with SetMessageHandlers before any other call; a message without a handler is a
+ *                  fault of the host. A handler must not call back into the library.
+ *  4. Null rule.   A null body is reported ("The database has not been initialized.") and answered
+ *                  with the failure result. Other pointers must be valid unless "may be null" is said.
+ *  5. Ownership.   The library owns a body and all that hangs on it. An array that a getter returns is
+ *                  new and goes back with FMD_FreeMemory. Arrays that the caller passes stay the caller's.
+ *  6. Keys.        Node ids and mode numbers are the caller's own sparse integers. Indices are dense and
+ *                  count from 0 in the order of first mention. A setter that names an unknown node or
+ *                  mode creates it; a getter never does.
+ *  7. Types.       A mode info type is 0 mode shape, 1 modal stress, 2 modal strain. A mode vector holds
+ *                  six doubles per node that carries the type: part 0 the first three (translations, or
+ *                  normal components xx yy zz), part 1 the last three (rotations in radians, or shear
+ *                  components xy xz yz).
+ *  8. Order.       A 3 by 3 matrix is nine doubles, row by row; larger matrices are row by row too.
+ *  9. Units.       Numbers are in the body's own units (FMD_Units). Frequencies are in Hz and in radians
+ *                  per time unit. A body without units counts as kilogram, metre, second, newton.
+ * 10. Frame.       All vectors and tensors are given in the body's one reference frame.
+ * 11. Threads.     The library has no lock and starts no thread: a host makes all calls from one thread,
+ *                  or one at a time. Even a lookup may change a body.
+ * 12. Signals.     The library changes no signal's disposition. A host that limits file sizes ignores
+ *                  SIGXFSZ; the write then fails with a message.
+ * 13. Environment. KXI_KADCDB_DIR      an existing directory for the database; without it no body is made
+ *                  KXI_FMDWRITE_OPTIONS  options of FMD_write_FMD
+ *                  FMD_MAX_MODE_MEMORY   budget of the mode cache in megabytes, default 200
+ */
+#ifndef FMDTOOLKIT_FMDTOOLKIT_H
+#define FMDTOOLKIT_FMDTOOLKIT_H
+
+#include <stdint.h>
+#include <stdio.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---------------------------------------------------------------- records -- */
+
+/* One flexible body. Hosts hold pointers to it and never look inside. */
+typedef struct FmdBody FmdBody;
+
+/* A saved place in a record stream. Stored and restored, never interpreted. */
+typedef struct FmdPosition {
+  int32_t Word[2];
+} FmdPosition;
+
+struct FmdXdr;
+
+/* The state of one record stream of 32-bit words; it travels by value. */
+typedef struct FmdStream {
+  FILE* File;                /* plain file, where the stream is one; no record operation touches it */
+  char* Name;                /* name of the database that the stream reads */
+  int32_t UsesXdr;           /* nonzero while Xdr is live */
+  struct FmdXdr* Xdr;        /* codec on File, owned */
+  int32_t IsScratch;         /* 1: temporary store that the body owns */
+  int32_t DoublePrecision;   /* 1: a real is two words; 0: one word */
+  float* FloatBuffer;        /* room to narrow reals, shared and not owned */
+  int32_t Block;             /* key of the open datablock; 0 none */
+  FmdPosition StartPosition; /* where DB_REWIND goes */
+  int32_t BodyIndex;         /* index of the body in its container */
+  int32_t Key;               /* scratch id, or assignment number of an opened dataset */
+} FmdStream;
+
+/* One entry of a unit table; the entry after the last has a null label. */
+typedef struct FmdUnit {
+  const char* label;
+  double factor; /* how many SI base units one of this unit is */
+} FmdUnit;
+
+/* Receives one zero-terminated text; a newline is there only if the message has one. */
+typedef void (*FmdMessageHandler)(const char* text);
+
+typedef struct FmdMessageHandlers {
+  FmdMessageHandler error;
+  FmdMessageHandler warning;
+  FmdMessageHandler information;
+} FmdMessageHandlers;
+
+/* --------------------------------------------------------------- messages -- */
+
+/* Installs the three handlers; comes before every other call. Always 1; pointers are not tested. */
+int SetMessageHandlers(const FmdMessageHandlers* handlers);
+
+/* Format as printf does and hand the text to the handler of that level. */
+#if defined(__GNUC__)
+#define FMD_PRINTF_LIKE __attribute__((format(printf, 1, 2)))
+#else
+#define FMD_PRINTF_LIKE
+#endif
+void FMD_Error(const char* format, ...) FMD_PRINTF_LIKE;
+void FMD_Warning(const char* format, ...) FMD_PRINTF_LIKE;
+void FMD_Info(const char* format, ...) FMD_PRINTF_LIKE;
+
+/* Fixed texts with the name and revision of each module of the library. */
+const char* fmdcreate_VersionId(void);
+const char* fmddata_VersionId(void);
+const char* fmdset_VersionId(void);
+const char* fmdtools_VersionId(void);
+const char* fmdcoarse_VersionId(void);
+const char* dbinvar_VersionId(void);
+const char* dbread_VersionId(void);
+const char* dbunits_VersionId(void);
+const char* dbwrite_VersionId(void);
+
+/* Processor time of the process, in seconds. */
+double FMD_cputime(void);
+
+/* Local time as text: mode 1 "YYYY-MM-DD", mode 2 "hh:mm +zzzz", any other mode both. The zone offset is
+   positive east of Greenwich. A negative mode writes the text of its absolute value and also prints two
+   lines to standard output. The buffer needs 64 bytes. */
+void FMD_localtime_ISO8601(int mode, char* text);
+
+/* Name (mode 1, 11), version (2, 12) and platform number (3, 13) of the system; modes 1 to 3 join with
+   blanks, 11 to 13 with underscores; any other mode gives the name. The buffer needs 64 bytes. */
+void FMD_uname(int mode, char* text);
+
+/* -------------------------------------------------------------- lifecycle -- */
+
+/* A new, empty body with room for the planned numbers of nodes and modes in its temporary mode files, or
+   null when there is no memory or the database session cannot start. It counts one reference. */
+FmdBody* FMD_Create(int nodeCount, int modeCount);
+
+/* Releases the body at once, whatever its reference count. Null and unknown handles are ignored. */
+void FMD_UnLink(FmdBody* body);
+
+/* Drops one reference; the last one releases the body. Unknown handles are ignored. */
+void FMD_DeReference(FmdBody* body);
+
+/* Releases all bodies and ends the database session, deleting its work files. */
+void FMD_Terminate(void);
+
+/* Does nothing; FMD_UnLink and FMD_DeReference release a body. */
+void FMD_Destroy(void);
+
+/* Gives back an array that the library returned; null is ignored. */
+void FMD_FreeMemory(void* pointer);
+
+/* The oldest live body, or null. */
+FmdBody* FMD_GetFirstFMD(void);
+
+/* 1 if the handle is a live body, otherwise 0; reports nothing. */
+int FMD_IsValid(FmdBody* body);
+
+/* 1 unless the handle is null, which it reports. */
+int CheckFMD(FmdBody* body);
+
+/* Whether the body holds a dataset block. The id is the block's number less one: 3 nodal coordinates, 5
+   global mass, 6 eigenvalues, 7 mode shapes, 8 nodal masses, 9 nodal inertias, 11 and 12 generalized
+   stiffness and mass, 13 faces, 16 interface nodes, 17 modal stress, 28 modal strain, and so on. Ids 0 to 2
+   always answer 1; others the stored byte; 35 and above 0. */
+int FMD_Exists(FmdBody* body, int id);
+
+/* -------------------------------------------------------- nodes and modes -- */
+
+/* Append a node or mode without looking for one of that key. The new index, or -1. Nodes in ascending id
+   order are cheapest. A body holds at most the planned number of modes. */
+int FMD_AddNode(FmdBody* body, int id);
+int FMD_AddMode(FmdBody* body, int number);
+
+/* The index of the node or mode, which is created if it is not there; -1 on failure. */
+int FMD_LookupOrAddNode(FmdBody* body, int id);
+int FMD_LookupOrAddMode(FmdBody* body, int number);
+
+/* Between keys and indices. FMD_NodeID answers 0 and the others -1 for "not there". FMD_ModeIndex reports no
+   null body. */
+int FMD_NodeIndex(FmdBody* body, int id);
+int FMD_NodeID(FmdBody* body, int index);
+int FMD_ModeIndex(FmdBody* body, int number);
+int FMD_ModeNumber(FmdBody* body, int index);
+
+int FMD_NodeCount(FmdBody* body);
+int FMD_ModeCount(FmdBody* body);
+
+/* The nodes that carry data of a mode info type: their number, the id at a place, the place of an id. For
+   mode shapes places are node indices. */
+int FMD_ModeNodeCount(FmdBody* body, int type);
+int FMD_ModeNodeID(FmdBody* body, int type, int index);
+int FMD_ModeNodeIndex(FmdBody* body, int type, int id);
+
+/* Compares the first int of each side, for qsort and bsearch over ids or (id, index) pairs. */
+int By_Id(const void* left, const void* right);
+
+/* The place of a mode number in an ascending array, or -1. */
+int SelectedModeIndex(int number, int* selected, int count);
+
+/* Marks an existing node as interface node; a second time changes nothing. 0 for an unknown id. */
+int FMD_SetInterfaceNode(FmdBody* body, int id);
+
+/* New arrays of the interface nodes' indices or ids in order of definition, or null; count is set. */
+int* FMD_InterfaceNodes(FmdBody* body, int* count);
+int* FMD_InterfaceNodeIDs(FmdBody* body, int* count);
+
+/* Exchanges the records of two nodes in the node table. */
+void FMD_SwapNodesByID(FmdBody* body, int first, int second);
+
+/* Adds the offset to every node id. Always 1. */
+int FMD_RenumberNodes(FmdBody* body, int offset);
+
+/* Gives the i-th interface node the id ids[i]; a node that bears it already takes the old one. Always 1. */
+int FMD_RenumberInterfaceNodes(FmdBody* body, int count, int* ids);
+
+/* ------------------------------------------------- header and nodal data -- */
+
+/* Sets the descriptive texts and the creation time. Limits are 127, 127, 15 and three times 79 characters;
+   longer texts are cut with a warning. Newlines in the caller's texts become blanks. Always 1. */
+int FMD_SetHeader(FmdBody* body, char* title, char* inputFileName, char* inputFileType, char* comment1,
+                  char* comment2, char* comment3);
+
+/* Copies the texts to the buffers that are not null: 128, 32, 128, 16 and three times 80 bytes. */
+void FMD_Header(FmdBody* body, char* title, char* creationTime, char* inputFileName, char* inputFileType,
+                char* comment1, char* comment2, char* comment3);
+
+/* Format version of the body (low byte of its version word). Setting one of 10, 20, 30, 31, 40, 41, 50, 51
+   also clears the single precision and coarsened marks. */
+int FMD_Version(FmdBody* body);
+void FMD_SetVersion(FmdBody* body, int version);
+
+/* Coordinates of a node, in length units. The getter zeroes its three doubles for a bad index. */
+int FMD_SetNodeCoordinates(FmdBody* body, int id, double x, double y, double z);
+int FMD_NodeCoordinates(FmdBody* body, int index, double* xyz);
+
+/* All coordinates, three doubles per node in node order, and the node count. */
+int FMD_NodeCoordinateList(FmdBody* body, double* xyz, int* count);
+
+/* Nodal mass: set, add to, get (0.0 for a bad index). */
+int FMD_SetNodalMass(FmdBody* body, int id, double mass);
+int FMD_AddNodalMass(FmdBody* body, int id, double mass);
+double FMD_NodalMass(FmdBody* body, int index);
+
+/* Nodal inertia tensor, symmetric. Rows and columns of the single entry count from 1 to 3; the getter
+   writes nine doubles and answers 0 where the node has none. */
+int FMD_SetNodalInertia(FmdBody* body, int id, double i11, double i22, double i33, double i12, double i13,
+                        double i23);
+int FMD_SetNodalInertiaEntry(FmdBody* body, int id, int row, int column, double value);
+int FMD_NodalInertia(FmdBody* body, int index, double* tensor);
+
+/* Nodal mass and coordinates in one call; the result is that of FMD_NodeCoordinates. */
+int FMD_NodalMassAndGeometry(FmdBody* body, int index, double* mass, double* xyz);
+
+/* Diagonal of the box around the element faces, worked out once; 0.0 without faces. */
+double FMD_BodySize(FmdBody* body);
+
+/* ----------------------------------------------------------- mode vectors -- */
+
+/* Store the six values of a node in a mode, or one of them (dof 0 to 5). Any order of nodes and modes will
+   do. Mode 0 of type 1 or 2 is the pre-stress or pre-strain vector (FMD_SetModeVec and FMD_SetMode only).
+   The first call of a type makes its temporary file at full size, so a full disk shows there. A vector
+   that has been read before keeps its old values until another is loaded and the cache is emptied. */
+int FMD_SetModeVec(FmdBody* body, int mode, int node, int type, double* values);
+int FMD_SetMode(FmdBody* body, int mode, int node, int type, double v1, double v2, double v3, double v4,
+                double v5, double v6);
+int FMD_SetModeEntry(FmdBody* body, int mode, int node, int type, int dof, double value);
+
+/* One half of a mode vector: FMD_ModeNodeCount(body, type) times three doubles. FMD_ModeByRef hands out an
+   internal array that the next call may change; a host that asks for several types asks for the one with
+   the most nodes first. FMD_ModeByNode gives the three values of one node id, zeros on failure. */
+int FMD_Mode(FmdBody* body, int mode, int type, double* values, int part);
+int FMD_ModeByRef(FmdBody* body, int mode, int type, double** values, int part);
+int FMD_ModeByNode(FmdBody* body, int mode, int type, int node, double* values, int part);
+
+/* The whole vector, six values per node, past buffer and cache; for a store of that precision only. */
+int FMD_Read_Mode_Single(FmdBody* body, int mode, int type, float* values);
+int FMD_Read_Mode_Double(FmdBody* body, int mode, int type, double* values);
+
+/* 1 if the stored mode vectors are in double precision. */
+int FMD_Double_Prec(FmdBody* body);
+
+/* Whether the body has data of a mode info type. */
+int FMD_ModeExist(FmdBody* body, int type);
+
+/* The mode cache holds half vectors within a budget (FMD_MAX_MODE_MEMORY) and never evicts. The first sizes
+   it, the others put a copy in, copy out (0 when not cached), point into it, empty it, switch it. */
+void FMD_InitializeModeMemory(FmdBody* body);
+int FMD_ModetoMemory(FmdBody* body, int mode, int type, double* values, int part);
+int FMD_ModeFromMemory(FmdBody* body, int mode, int type, double* values, int part);
+int FMD_ModeFromMemoryByRef(FmdBody* body, int mode, int type, double** values, int part);
+int FMD_ModeFromMemoryByNode(FmdBody* body, int mode, int type, int node, double* values, int part);
+void FMD_CleanModesInMemory(FmdBody* body);
+void FMD_SetKeepModesInMemory(FmdBody* body, int flag);
+int FMD_GetKeepModesInMemory(FmdBody* body, int* flag);
+
+/* ------------------------------------- stress, strain and mode statistics -- */
+
+/* Six values of a node's pre-stress (xx yy zz xy xz yz) or pre-strain. */
+int FMD_SetPreStressVec(FmdBody* body, int node, double* values);
+int FMD_SetPreStrainVec(FmdBody* body, int node, double* values);
+
+/* Largest displacement, rotation, von Mises stress and von Mises strain of a mode and the id of its node;
+   each output may be null. Worked out once and kept, but for a value of 0.0. */
+int FMD_GetMaxModeDisplacement(FmdBody* body, int mode, int* node, double* value);
+int FMD_GetMaxModeRotation(FmdBody* body, int mode, int* node, double* value);
+int FMD_GetMaxVonMisesStress(FmdBody* body, int mode, int* node, double* value);
+int FMD_GetMaxVonMisesStrain(FmdBody* body, int mode, int* node, double* value);
+
+/* 1 from the first of the four calls above on. */
+int FMD_ModalStatisticsExist(FmdBody* body);
+
+/* --------------------------------------------------- generalized matrices -- */
+
+/* Append one entry of a symmetric matrix over modes, each pair once. Rows and columns are mode numbers. */
+int FMD_SetGeneralizedMass(FmdBody* body, int row, int column, double value);
+int FMD_SetGeneralizedStiffness(FmdBody* body, int row, int column, double value);
+int FMD_SetGeneralizedDamping(FmdBody* body, int row, int column, double value);
+
+/* Asks the next orthonormalisation to normalise the modes by mass (1) or not (0). */
+void FMD_SetShouldMassNormalizeModes(FmdBody* body, int flag);
+
+/* Entries that the sparse operations deliver; without a list, the diagonal of the eigenvalue table. */
+int FMD_NumberOfGenStiff(FmdBody* body);
+int FMD_NumberOfGenMass(FmdBody* body);
+int FMD_NumberOfGenDamp(FmdBody* body);
+int FMD_GenDampExist(FmdBody* body);
+
+/* The entries with rows and columns as mode indices. Each array has room for all of them; values may be null
+   where there is no list. */
+int FMD_GenStiffSparse(FmdBody* body, double* values, int* rows, int* columns);
+int FMD_GenMassSparse(FmdBody* body, double* values, int* rows, int* columns);
+int FMD_GenDampSparse(FmdBody* body, double* values, int* rows, int* columns);
+
+/* The matrix of n selected modes (mode numbers, ascending) into n rows of n. */
+int FMD_GenStiffSelected(FmdBody* body, double** rows, int n, int* selected);
+int FMD_GenMassSelected(FmdBody* body, double** rows, int n, int* selected);
+
+/* The full matrix, n by n with n at least FMD_ModeCount. */
+int FMD_GenStiffFull(FmdBody* body, double* matrix, int n);
+int FMD_GenMassFull(FmdBody* body, double* matrix, int n);
+int FMD_GenDampFull(FmdBody* body, double* matrix, int n);
+
+/* Eigenvalue, frequency in Hz, circular frequency, generalized mass and stiffness of a mode; each output may
+   be null. 0 and zeros where the matrices are not diagonal. A negative eigenvalue has a negative frequency.
+ */
+int FMD_Eigenvalue(FmdBody* body, int mode, double* eigenvalue, double* hertz, double* radians, double* mass,
+                   double* stiffness);
+
+/* The mode shape transformation, FMD_ModeCount squared doubles. Setting a second one multiplies it from the
+   right. */
+int FMD_Transformation(FmdBody* body, double* matrix);
+int FMD_SetTransformation(FmdBody* body, double* matrix);
+
+/* Makes the modes orthonormal in the generalized mass: builds the eigenvalue table, numbers the modes from 1
+   and keeps the transformation. So far for modes whose matrices are diagonal with unit masses: others are
+   refused with a message. 0 on failure and for a body without modes. */
+int FMD_OrthoNormalize(FmdBody* body);
+
+/* --------------------------------------------------------- mass and inertia -- */
+
+/* Stores mass, centre (3) and inertia (9), with a warning for each that disagrees with the invariants. */
+int FMD_SetGlobalMass(FmdBody* body, double mass, double* center, double* inertia);
+
+/* Recomputes and delivers mass, inertia (9) and centre of mass (3). */
+int FMD_TotalMassInertia(FmdBody* body, double* mass, double* inertia, double* center);
+
+/* Recomputes mass, centre and inertia from the invariants. */
+int FMD_CalculateGlobalMassFromNodeMass(FmdBody* body);
+
+/* Inertia invariants: 1 total mass, 2 first moment of mass (new array of 3), 7 inertia about the origin (new
+   array of 9). Taken from what was set, from the dataset, from the nodes, or from the global mass. */
+double FMD_Invar1(FmdBody* body);
+double* FMD_Invar2(FmdBody* body);
+double* FMD_Invar7(FmdBody* body);
+
+/* Set an invariant; the first must be above zero, the last takes xx yy zz xy xz yz. */
+int FMD_SetInvar1(FmdBody* body, double mass);
+int FMD_SetInvar2(FmdBody* body, double* moment);
+int FMD_SetInvar7(FmdBody* body, double* values);
+
+/* Add s (a x b) to three doubles, and s ~a ~b, the product of the skew matrices, to nine. */
+void incr_scalar_tilde_vec(double* out, double s, double* a, double* b);
+void incr_scalar_tilde_tilde(double* out, double s, double* a, double* b);
+
+/* ------------------------------------------------------------------- units -- */
+
+/* Factor of a label in a table: 1.0 for an empty label, 0.0 for an unknown one. A label matches the first
+   entry that begins with it, in any case. */
+double FMD_UnitsDivider(const char* label, const FmdUnit* table);
+
+/* The label of the first entry whose factor is the value within 1e-4, or null. Not a copy. */
+const char* FMD_UnitsLabel(double value, const FmdUnit* table);
+
+/* A value of the body in SI units. */
+double FMD_Mass2Kilogram(FmdBody* body, double value);
+double FMD_Length2Meter(FmdBody* body, double value);
+double FMD_Time2Second(FmdBody* body, double value);
+double FMD_Force2Newton(FmdBody* body, double value);
+
+/* Multiplies count doubles in place and returns the array. */
+double* FMD_Convert_Units(double* values, int count, double factor);
+
+/* The four unit labels, or their defaults, into buffers of 16 bytes. */
+void FMD_Units(FmdBody* body, char* mass, char* length, char* time, char* force);
+
+/* Sets the unit labels of a body that has none yet, without changing a number. Labels that no table knows
+   are refused with a message and nothing is set; units that are set already stay. */
+void FMD_SetUnits(FmdBody* body, char* mass, char* length, char* time, char* force);
+
+/* Unit consistency factor: eigenvalue times this is the square of the circular frequency. */
+double FMD_UCF(FmdBody* body);
+
+/* ------------------------------------------------------------------- faces -- */
+
+/* Adds a display face of node ids, which may create nodes. Repeated neighbouring corners are dropped; 0 when
+   fewer than two remain. FMD_SetFace takes at most 256 ids as further int arguments. */
+int FMD_SetFaceList(FmdBody* body, int count, int* ids);
+int FMD_SetFace(FmdBody* body, int count, ...);
+
+/* Number of faces, and of ints in the face list: per face its corner count, then its node indices. */
+int FMD_FaceListSize(FmdBody* body, int* faces, int* length);
+int FMD_ElementFaces(FmdBody* body, int* list);
+
+/* ------------------------------------------------------------------ dataset -- */
+
+/* Writes the body as a Flexible Modal Dataset under the options in KXI_FMDWRITE_OPTIONS. The file is complete
+   when the result is 1; otherwise what went wrong has been reported and no file is left. A write edits the
+   body: it orthonormalises and numbers its modes and fills its statistics. */
+int FMD_write_FMD(FmdBody* body, char* path);
+
+/* --------------------------------------------------------------- record layer -- */
+
+/* Record streams of 32-bit words. Counts are in items of the call's type, in words for DB_SeekFWD. Read
+   operations answer 0 on a failed read, write operations 0 when the store could not take the words. */
+int DB_ReadINTs(FmdStream stream, int* values, int n);
+int DB_ReadDOUBLEs(FmdStream stream, double* values, int n); /* widens in place where the stream is single */
+int DB_ReadMODE(FmdStream stream, void* values, int n);      /* n reals in the stream's own width */
+int DB_ReadCHARs(FmdStream stream, char* text, int n);       /* n bytes; untouched on failure */
+int DB_WriteINTs(FmdStream stream, const int* values, int n);
+int DB_WriteDOUBLEs(FmdStream stream, const double* values, int n);
+int DB_WriteCHARs(FmdStream stream, const char* text, int n); /* padded with zero bytes to whole words */
+int DB_WriteEOR(FmdStream stream);                            /* ends the record */
+int DB_SkipRecord(FmdStream stream);                          /* to the start of the next record */
+int DB_FSAVE(FmdPosition* position, FmdStream stream);
+int DB_FRESTORE(const FmdPosition* position, FmdStream stream);
+int DB_REWIND(FmdStream stream);
+int DB_SeekFWD(FmdStream stream, int words); /* forward in the current record */
+
+/* Trailer of a datablock, seven ints of which the first is the block's key. */
+int DB_WriteTrailer(const int* words);
+int DB_ReadTrailer(int* words);
+
+/* A new temporary datablock open for writing: its key, or 0 with a message. Stores the scratch id. */
+int DB_OpenScratch(int* scratch);
+/* Closes the block and opens it again for reading and rewriting. */
+int DB_ReOpenScratch(int block);
+/* Closes a block; a scratch block is gone then. Always 1; 0 is a legal key. */
+int DB_CloseDatablk(int block);
+
+/* Moves the body's dataset to the start of a block (id 0 to 34); 0 if it has none. */
+int FMD_goto_block(FmdBody* body, int id);
+
+/* Starts the database session, which FMD_Create does by itself; ends it and deletes its files. */
+int DB_StartBase(void);
+void DB_TermBase(void);
+
+/* Widen (from the last element down, so both may start at one address) and narrow n reals. */
+double* float2double(double* to, const float* from, int n);
+float* double2float(float* to, const double* from, int n);
+
+/* 64-bit positions in a stdio file. Seeking answers 0 on success; origin 0 start, 1 here, 2 end. */
+int FileSeek_Win32(FILE* file, long long offset, int origin);
+long long FileTell_Win32(FILE* file);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
