@@ -1,0 +1,45 @@
+#include "xdr/xdr_buffer.h"
+
+#include <cstring>
+
+namespace fmd::xdr {
+
+namespace {
+
+inline void put_word(unsigned char* to, std::uint32_t word) {
+  const std::uint32_t swapped = __builtin_bswap32(word);
+  std::memcpy(to, &swapped, sizeof swapped);
+}
+
+}  // namespace
+
+void encode_words(unsigned char* to, const std::int32_t* from, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) put_word(to + kWordBytes * i, static_cast<std::uint32_t>(from[i]));
+}
+
+void encode_doubles(unsigned char* to, const double* from, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    std::uint64_t bits;
+    std::memcpy(&bits, from + i, sizeof bits);
+    bits = __builtin_bswap64(bits);
+    std::memcpy(to + kDoubleBytes * i, &bits, sizeof bits);
+  }
+}
+
+void encode_floats_from_doubles(unsigned char* to, const double* from, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    const auto narrowed = static_cast<float>(from[i]);
+    std::uint32_t bits;
+    std::memcpy(&bits, &narrowed, sizeof bits);
+    put_word(to + kWordBytes * i, bits);
+  }
+}
+
+void encode_chars(unsigned char* to, const char* from, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    const auto extended = static_cast<std::int32_t>(static_cast<signed char>(from[i]));
+    put_word(to + kWordBytes * i, static_cast<std::uint32_t>(extended));
+  }
+}
+
+}  // namespace fmd::xdr
