@@ -1,0 +1,33 @@
+# Compares the dynamic symbols that LIBRARY defines (as NM tells them) with the names in LIST.
+cmake_minimum_required(VERSION 3.25)
+
+execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY}
+  OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "[^\n]+" rows "${output}")
+set(exported)
+foreach(row IN LISTS rows)
+  string(REGEX REPLACE "^.* " "" name "${row}")
+  list(APPEND exported ${name})
+endforeach()
+file(STRINGS ${LIST} listed REGEX "^[A-Za-z]")
+
+set(faults 0)
+foreach(name IN LISTS exported)
+  if(NOT name IN_LIST listed)
+    message("exported but not listed: ${name}")
+    math(EXPR faults "${faults} + 1")
+  endif()
+endforeach()
+foreach(name IN LISTS listed)
+  if(NOT name IN_LIST exported)
+    message("listed but not exported: ${name}")
+    math(EXPR faults "${faults} + 1")
+  endif()
+endforeach()
+
+list(LENGTH exported exported_count)
+list(LENGTH listed listed_count)
+if(faults GREATER 0 OR NOT exported_count EQUAL listed_count)
+  message(FATAL_ERROR "${LIBRARY} exports ${exported_count} names, ${LIST} has ${listed_count}")
+endif()
+message("${exported_count} names, all listed")
