@@ -8,4 +8,6 @@ static_assert(std::is_trivially_copyable_v<FmdStream>, "a stream travels by valu
 static_assert(std::is_standard_layout_v<FmdPosition>, "a position is plain data");
 static_assert(sizeof(FmdStream) == 72, "C and C++ agree on the record stream");
 
-extern "C" int body_lookup_from_cpp(FmdBody* body) { return FMD_IsValid(body); }
+extern "C" int body_lookup_from_cpp(FmdBody* body) {
+  return FMD_IsValid(body);
+}
