@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
 #include "system/file_system.h"
 
@@ -43,6 +44,7 @@ EnvironmentVariable::~EnvironmentVariable() {
 void SessionTest::TearDown() {
   fmd::fail_allocation(0);
   fmd::replace_file_system(nullptr);
+  DB_TermBase();
 }
 
 }  // namespace fmdtest

@@ -1,0 +1,15 @@
+// CRC-32C (Castagnoli polynomial, reflected 0x82F63B78), as iSCSI uses it (RFC 3720, section 12.1).
+#ifndef FMDTOOLKIT_KDCDB_CRC32C_H
+#define FMDTOOLKIT_KDCDB_CRC32C_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace kdcdb {
+
+// The checksum of the bytes, continuing that of what stood before them.
+std::uint32_t crc32c(const void* bytes, std::size_t count, std::uint32_t before = 0);
+
+}  // namespace kdcdb
+
+#endif

@@ -1,0 +1,150 @@
+#include "kdcdb/master_file.h"
+
+#include <sys/random.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+#include "kdcdb/master_pages.h"
+#include "kdcdb/system_status.h"
+#include "system/file_system.h"
+
+namespace kdcdb {
+
+namespace {
+
+std::uint64_t random_id() {
+  std::uint64_t id = 0;
+  if (getrandom(&id, sizeof id, 0) != static_cast<ssize_t>(sizeof id))
+    id = static_cast<std::uint64_t>(time(nullptr));
+  return id;
+}
+
+bool has_no_such_call(int error) {
+  return error == EOPNOTSUPP || error == EISDIR || error == EINVAL || error == EPERM || error == ENOSYS;
+}
+
+Status flush_directory(const std::string& path) {
+  fmd::FileSystem& system = fmd::file_system();
+  const int directory = system.open(directory_of(path).c_str(), O_RDONLY | O_DIRECTORY, 0);
+  if (directory < 0) return status_of_error(errno);
+  const Status status = system.fsync(directory) == 0 ? kOk : status_of_error(errno);
+  system.close(directory);
+  return status;
+}
+
+}  // namespace
+
+std::string directory_of(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+Status MasterFile::create(const std::string& path, bool lasting) {
+  fmd::FileSystem& system = fmd::file_system();
+  file_ = system.open(directory_of(path).c_str(), O_TMPFILE | O_RDWR, 0666);
+  Status status;
+  if (file_ >= 0) {
+    status = create_unnamed(path, lasting);
+  } else if (has_no_such_call(errno)) {
+    status = create_under_another_name(path, lasting);
+  } else {
+    return status_of_error(errno);
+  }
+  if (status == kOk && lasting) {
+    status = flush_directory(path);
+    if (status != kOk) system.unlink(path.c_str());
+  }
+  if (status != kOk) close();
+  return status;
+}
+
+Status MasterFile::create_unnamed(const std::string& path, bool lasting) {
+  const Status status = write_new(lasting);
+  if (status != kOk) return status;
+  return fmd::file_system().linkat(file_, path.c_str()) == 0 ? kOk : status_of_error(errno);
+}
+
+Status MasterFile::create_under_another_name(const std::string& path, bool lasting) {
+  fmd::FileSystem& system = fmd::file_system();
+  std::string named = path + "_XXXXXX";
+  file_ = system.mkstemp(named.data());
+  if (file_ < 0) return status_of_error(errno);
+  Status status = write_new(lasting);
+  if (status == kOk && system.link(named.c_str(), path.c_str()) != 0) status = status_of_error(errno);
+  system.unlink(named.c_str());
+  return status;
+}
+
+// Header page, root of generation 1, empty second slot.
+Status MasterFile::write_new(bool lasting) {
+  const std::time_t now = std::time(nullptr);
+  std::tm created{};
+  localtime_r(&now, &created);
+  Root root;
+  root.file_id = random_id();
+  root.generation = 1;
+  const HeaderBytes header = encode_header(root.file_id, created);
+  const RootBytes slot = encode_root(root);
+  std::vector<unsigned char> pages(kFirstFreePage * kPageBytes);
+  std::copy(header.begin(), header.end(), pages.begin());
+  std::copy(slot.begin(), slot.end(), pages.begin() + root_page(root.generation) * kPageBytes);
+  if (!fmd::write_all_at(file_, pages.data(), pages.size(), 0)) return status_of_error(errno);
+  if (lasting && fmd::file_system().fsync(file_) != 0) return status_of_error(errno);
+  return lock();
+}
+
+Status MasterFile::lock() {
+  struct flock range {};
+  range.l_type = F_WRLCK;
+  range.l_whence = SEEK_SET;
+  range.l_start = kWriterLockByte;
+  range.l_len = 1;
+  if (fmd::file_system().lock(file_, F_OFD_SETLK, &range) == 0) return kOk;
+  return errno == EACCES ? kLocked : status_of_error(errno);
+}
+
+Status MasterFile::open(const std::string& path) {
+  file_ = fmd::file_system().open(path.c_str(), O_RDWR, 0);
+  if (file_ < 0) return status_of_error(errno);
+  Status status = lock();
+  if (status == kOk) status = check(path);
+  if (status != kOk) close();
+  return status;
+}
+
+// The name may have come to mean another file between opening and locking.
+Status MasterFile::check(const std::string& path) {
+  fmd::FileSystem& system = fmd::file_system();
+  struct stat locked {};
+  struct stat named {};
+  if (system.fstat(file_, &locked) != 0 || system.stat(path.c_str(), &named) != 0)
+    return status_of_error(errno);
+  if (locked.st_dev != named.st_dev || locked.st_ino != named.st_ino) return kLocked;
+
+  HeaderBytes header;
+  std::uint64_t file_id = 0;
+  if (!fmd::read_all_at(file_, header.data(), header.size(), 0) || !decode_header(header, file_id))
+    return kNotADatabase;
+  Root newest;
+  bool found = false;
+  for (const std::int64_t page : {std::int64_t{1}, std::int64_t{2}}) {
+    RootBytes slot;
+    Root root;
+    if (!fmd::read_all_at(file_, slot.data(), slot.size(), page * kPageBytes)) return kNotADatabase;
+    if (!decode_root(slot, file_id, root) || (found && root.generation < newest.generation)) continue;
+    newest = root;
+    found = true;
+  }
+  if (!found) return kNotADatabase;
+  return newest.dictionary_bytes == 0 ? kOk : kNotSupported;
+}
+
+void MasterFile::close() {
+  if (file_ >= 0) fmd::file_system().close(file_);
+  file_ = -1;
+}
+
+}  // namespace kdcdb

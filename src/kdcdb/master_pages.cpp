@@ -1,0 +1,117 @@
+#include "kdcdb/master_pages.h"
+
+#include <cstring>
+
+#include "kdcdb/crc32c.h"
+
+namespace kdcdb {
+
+namespace {
+
+// Offsets of the records inside the header, in words; each starts three words in front of what it holds.
+constexpr std::int32_t kSmallestOffset = 11;
+constexpr std::int32_t kTimeStampRecord = 16;
+constexpr std::int32_t kNameRecord = 32;
+constexpr std::int32_t kMachineRecord = 48;
+constexpr std::int32_t kMachineLinux = 39;
+constexpr std::int32_t kNumericFormat = 2;  // 32-bit words, little-endian, IEEE reals
+constexpr std::int32_t kLayoutVersion = 1;
+
+constexpr int kOwnPart = 512;  // byte where the store's own fields begin
+constexpr int kHeaderCrc = kHeaderBytes - 4;
+constexpr int kRootCrc = kRootBytes - 4;
+constexpr char kHeaderMagic[] = "FMDSTORE";
+constexpr char kRootMagic[] = "FMDSROOT";
+constexpr std::size_t kMagicBytes = 8;
+
+template <typename T>
+void put(unsigned char* bytes, int offset, T value) {
+  std::memcpy(bytes + offset, &value, sizeof value);
+}
+
+template <typename T>
+T get(const unsigned char* bytes, int offset) {
+  T value;
+  std::memcpy(&value, bytes + offset, sizeof value);
+  return value;
+}
+
+void put_word(HeaderBytes& bytes, std::int32_t word, std::int32_t value) {
+  put(bytes.data(), 4 * word, value);
+}
+
+void put_text(HeaderBytes& bytes, std::int32_t word, const char* text) {
+  std::memcpy(bytes.data() + 4 * word, text, std::strlen(text));
+}
+
+bool crc_matches(const unsigned char* bytes, int crc_offset) {
+  return crc32c(bytes, static_cast<std::size_t>(crc_offset)) == get<std::uint32_t>(bytes, crc_offset);
+}
+
+}  // namespace
+
+HeaderBytes encode_header(std::uint64_t file_id, const std::tm& created) {
+  HeaderBytes bytes{};
+  put_word(bytes, 3, kSmallestOffset);
+  put_word(bytes, 4, kBufferWords);
+  put_word(bytes, 5, 3);
+  put_word(bytes, 6, kTimeStampRecord);
+  put_word(bytes, 8, kNameRecord);
+  put_word(bytes, 10, kMachineRecord);
+  put_text(bytes, kTimeStampRecord + 3, "*TIME STAMP*");
+  const std::int32_t date = created.tm_year % 100 * 10000 + (created.tm_mon + 1) * 100 + created.tm_mday;
+  const std::int32_t time = created.tm_hour * 10000 + created.tm_min * 100 + created.tm_sec;
+  for (const int stamp : {0, 2}) {
+    put_word(bytes, kTimeStampRecord + 6 + stamp, date);
+    put_word(bytes, kTimeStampRecord + 7 + stamp, time);
+  }
+  put_text(bytes, kNameRecord + 3, "MASTER  ");
+  put_word(bytes, kMachineRecord + 3, kMachineLinux);
+  put_text(bytes, kMachineRecord + 8, "1.0 ");
+  put_word(bytes, kMachineRecord + 15, kNumericFormat);
+  std::memcpy(bytes.data() + kOwnPart, kHeaderMagic, kMagicBytes);
+  put(bytes.data(), kOwnPart + 8, kLayoutVersion);
+  put(bytes.data(), kOwnPart + 12, std::int32_t{kPageBytes});
+  put(bytes.data(), kOwnPart + 16, file_id);
+  put(bytes.data(), kHeaderCrc, crc32c(bytes.data(), kHeaderCrc));
+  return bytes;
+}
+
+bool decode_header(const HeaderBytes& bytes, std::uint64_t& file_id) {
+  const unsigned char* const own = bytes.data() + kOwnPart;
+  if (std::memcmp(own, kHeaderMagic, kMagicBytes) != 0 || !crc_matches(bytes.data(), kHeaderCrc))
+    return false;
+  if (get<std::int32_t>(own, 8) != kLayoutVersion || get<std::int32_t>(own, 12) != kPageBytes) return false;
+  file_id = get<std::uint64_t>(own, 16);
+  return true;
+}
+
+RootBytes encode_root(const Root& root) {
+  RootBytes bytes{};
+  std::memcpy(bytes.data(), kRootMagic, kMagicBytes);
+  put(bytes.data(), 8, root.file_id);
+  put(bytes.data(), 16, root.generation);
+  put(bytes.data(), 24, root.dictionary_page);
+  put(bytes.data(), 32, root.dictionary_bytes);
+  put(bytes.data(), 40, root.end_page);
+  put(bytes.data(), 48, root.next_serial);
+  put(bytes.data(), 56, root.dictionary_crc);
+  put(bytes.data(), kRootCrc, crc32c(bytes.data(), kRootCrc));
+  return bytes;
+}
+
+bool decode_root(const RootBytes& bytes, std::uint64_t file_id, Root& root) {
+  if (std::memcmp(bytes.data(), kRootMagic, kMagicBytes) != 0 || !crc_matches(bytes.data(), kRootCrc))
+    return false;
+  if (get<std::uint64_t>(bytes.data(), 8) != file_id) return false;
+  root.file_id = file_id;
+  root.generation = get<std::uint64_t>(bytes.data(), 16);
+  root.dictionary_page = get<std::uint64_t>(bytes.data(), 24);
+  root.dictionary_bytes = get<std::uint64_t>(bytes.data(), 32);
+  root.end_page = get<std::uint64_t>(bytes.data(), 40);
+  root.next_serial = get<std::uint64_t>(bytes.data(), 48);
+  root.dictionary_crc = get<std::uint32_t>(bytes.data(), 56);
+  return true;
+}
+
+}  // namespace kdcdb

@@ -1,0 +1,49 @@
+// The fixed pages at the head of a master file: page 0, the header that every master file must have, and the
+// two root slots behind it. docs/database-format.md lists their bytes.
+#ifndef FMDTOOLKIT_KDCDB_MASTER_PAGES_H
+#define FMDTOOLKIT_KDCDB_MASTER_PAGES_H
+
+#include <array>
+#include <cstdint>
+#include <ctime>
+
+#include "kdcdb/page_cache.h"
+
+namespace kdcdb {
+
+constexpr std::int32_t kBufferWords = kPageBytes / 4;
+constexpr std::int32_t kBufferWordsLimit = 65536;
+constexpr int kHeaderBytes = 1024;
+constexpr int kRootBytes = 128;
+constexpr std::int64_t kFirstFreePage = 3;
+
+using HeaderBytes = std::array<unsigned char, kHeaderBytes>;
+using RootBytes = std::array<unsigned char, kRootBytes>;
+
+// What a root slot says. A dictionary of 0 bytes is an empty database.
+struct Root {
+  std::uint64_t file_id = 0;
+  std::uint64_t generation = 0;
+  std::uint64_t dictionary_page = 0;
+  std::uint64_t dictionary_bytes = 0;
+  std::uint32_t dictionary_crc = 0;
+  std::uint64_t end_page = kFirstFreePage;  // first page that no extent reaches
+  std::uint64_t next_serial = 1;            // of a datablock
+};
+
+HeaderBytes encode_header(std::uint64_t file_id, const std::tm& created);
+
+// False for bytes that are damaged or of another kind of file.
+bool decode_header(const HeaderBytes& bytes, std::uint64_t& file_id);
+
+RootBytes encode_root(const Root& root);
+bool decode_root(const RootBytes& bytes, std::uint64_t file_id, Root& root);
+
+// The slot that a generation is written to: page 1 or 2, in turns.
+constexpr std::int64_t root_page(std::uint64_t generation) {
+  return generation % 2 == 1 ? 1 : 2;
+}
+
+}  // namespace kdcdb
+
+#endif
