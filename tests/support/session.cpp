@@ -44,7 +44,7 @@ EnvironmentVariable::~EnvironmentVariable() {
 void SessionTest::TearDown() {
   fmd::fail_allocation(0);
   fmd::replace_file_system(nullptr);
-  DB_TermBase();
+  FMD_Terminate();
 }
 
 }  // namespace fmdtest
