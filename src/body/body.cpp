@@ -20,12 +20,4 @@ void initialize_body(FmdBody& body, int planned_nodes, int planned_modes) {
   body.PlannedModeCount = planned_modes;
 }
 
-int summary_byte_of_block(int id) {
-  // Bytes 7 and 11 of the summary are reserved, which is why ids and bytes drift apart.
-  if (id < 3) return -1;
-  if (id <= 9) return id - 3;
-  if (id <= 12) return id - 2;
-  return id - 1;
-}
-
 }  // namespace fmd

@@ -270,9 +270,6 @@ namespace fmd {
 // Puts a zeroed record into the state of a new body.
 void initialize_body(FmdBody& body, int planned_nodes, int planned_modes);
 
-// The byte of BlockExists behind a block id, or -1 for the three blocks that always exist.
-int summary_byte_of_block(int id);
-
 }  // namespace fmd
 
 #endif

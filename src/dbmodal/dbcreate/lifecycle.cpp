@@ -1,6 +1,7 @@
 // Creation, counting and release of bodies, and the test for the blocks that a body holds.
 #include "body/body.h"
 #include "body/body_list.h"
+#include "dbmodal/block_table.h"
 #include "dbmodal/dbcreate/release.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
@@ -54,6 +55,6 @@ int CheckFMD(FmdBody* body) {
 
 int FMD_Exists(FmdBody* body, int id) {
   if (CheckFMD(body) == 0 || id < 0 || id >= fmd::kBlockCount) return 0;
-  const int byte = fmd::summary_byte_of_block(id);
-  return byte < 0 ? 1 : body->BlockExists[byte];
+  const int byte = fmd::block_table()[static_cast<std::size_t>(id)].summary_byte;
+  return byte == fmd::kAlwaysPresent ? 1 : body->BlockExists[byte];
 }

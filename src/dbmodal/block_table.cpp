@@ -1,0 +1,60 @@
+#include "dbmodal/block_table.h"
+
+namespace fmd {
+
+namespace {
+
+// Blocks 1 to 3 are written before the walk over the table, which decides what follows them.
+constexpr std::array<Block, kBlockCount> kBlocks = {{
+    {1, kAlwaysPresent, "Version code (1)", "Problem writing version number.", nullptr},
+    {2, kAlwaysPresent, "Header (2)", "Problem writing header information.", nullptr},
+    {3, kAlwaysPresent, "Content_summary (3)", "Problem writing content summary.\n", nullptr},
+    {4, kNodalCoordinates, "Nodal_coords (4)", "Problem writing nodal coordinates.\n",
+     write_nodal_coordinates},
+    {5, kElementTopology, "Element_topology (5)", "Problem writing element topology map.",
+     write_element_topology},
+    {6, kGlobalProperties, "Global_body_props (6)", "Problem writing Global Body Properties.",
+     write_global_properties},
+    {7, kEigenvalues, "Eigenvalues (7)", "Problem writing eigenvalues.", write_eigenvalues},
+    {8, kModeShapes, "Mode_shapes (8)", "Problem writing Mode Shapes.", write_mode_shapes},
+    {9, kNodalMasses, "Nodal_masses (9)", "Problem writing Nodal Masses.\n", write_nodal_masses},
+    {10, kNodalInertias, "Nodal_inertias (10)", "Problem writing Nodal Inertia info.", write_nodal_inertias},
+    {11, kUnits, "Units (11)", "Problem writing Units strings.", write_units},
+    {12, kGeneralizedStiffness, "Generalized_stiffness (12)", "Problem writing Generalized Stiffness info.",
+     write_generalized_stiffness},
+    {13, kGeneralizedMass, "Generalized_mass (13)", "Problem writing Generalized Mass info.",
+     write_generalized_mass},
+    {14, kElementFaces, "Element_faces (14)", "Problem writing element face info.", write_element_faces},
+    {15, kGeneralizedDamping, "Generalized_damping (15)", "Problem writing Generalized Damping info.",
+     write_generalized_damping},
+    {16, kTransformation, "Mode_Shape_Transformation (16)", "Problem writing Mode Shape Transformation.",
+     write_transformation},
+    {17, kInterfaceNodes, "Interface_Nodes (17)", "Problem writing Interface Nodes.", write_interface_nodes},
+    {18, kModalStress, "Modal Stress (18)", "Problem writing Modal Stress.\n", write_modal_stress},
+    {19, kInvariant1, "Invariants 1 (19)", "Problem writing Invariant 1.\n", write_invariant_1},
+    {20, kInvariant2, "Invariants 2 (20)", "Problem writing Invariant 2.\n", write_invariant_2},
+    {21, kInvariant3, "Invariants 3 (21)", "Problem writing Invariant 3.\n", nullptr},
+    {22, kInvariant4, "Invariants 4 (22)", "Problem writing Invariant 4.\n", nullptr},
+    {23, kInvariant5, "Invariants 5 (23)", "Problem writing Invariant 5.\n", nullptr},
+    {24, kInvariant7, "Invariants 7 (24)", "Problem writing Invariant 7.\n", write_invariant_7},
+    {25, kInvariant8, "Invariants 8 (25)", "Problem writing Invariant 8.\n", nullptr},
+    {26, kInvariant9, "Invariants 9 (26)", "Problem writing Invariant 9.\n", nullptr},
+    {27, kModalPreload, "Modal Preload (27)", "Problem writing Preload.\n", nullptr},
+    {28, kModalLoads, "Modal Loads (28)", "Problem writing Modal Loads.\n", nullptr},
+    {29, kModalStrain, "Modal Strain (29)", "Problem writing Modal Strain.", write_modal_strain},
+    {30, kModalStatistics, "Modal Statistics (30)", "Problem writing Modal Statistics.\n",
+     write_modal_statistics},
+    {31, kPreStress, "Nodal Pre-Stress (31)", "Problem writing Pre-Stress.\n", write_pre_stress},
+    {32, kPreStrain, "Nodal Pre-Strain (32)", "Problem writing Pre-Strain.\n", write_pre_strain},
+    {33, kMonitorPoints, "Monitor Points (33)", "Problem writing Monitor Point Data.\n", nullptr},
+    {34, kMatrixOperators, "Matrix Operator (34)", "Problem writing Matrix Operator Data.\n", nullptr},
+    {35, kModalLoadNodal, "Modal Load Nodal (35)", "Problem writing Modal Load Nodal.\n", nullptr},
+}};
+
+}  // namespace
+
+const std::array<Block, kBlockCount>& block_table() {
+  return kBlocks;
+}
+
+}  // namespace fmd

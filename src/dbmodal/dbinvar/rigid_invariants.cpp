@@ -1,0 +1,137 @@
+// The invariants of the rigid body: total mass (1), first moment of mass (2), inertia about the origin (7).
+//
+// Each is taken from its cache, else from the dataset's block, else from the nodal masses, else from the
+// global mass properties, and then stays in the cache.
+#include "dbmodal/dbinvar/rigid_invariants.h"
+
+#include <cstring>
+
+#include "body/body.h"
+#include "fmdtoolkit/fmdtoolkit.h"
+#include "messages/memory.h"
+
+namespace {
+
+using fmd::kLength;
+using fmd::kMass;
+
+constexpr int kNodalMassBlock = 8;
+constexpr int kInvariant1Block = 18;
+constexpr int kInvariant2Block = 19;
+constexpr int kInvariant7Block = 23;
+
+// Reads a block of n reals and brings them to the body's units.
+bool read_block(FmdBody* body, double* values, int n, double factor) {
+  if (DB_ReadDOUBLEs(body->DataFile, values, n) == 0) return false;
+  FMD_Convert_Units(values, n, factor);
+  return true;
+}
+
+void sum_masses(FmdBody* body, double* mass) {
+  for (int node = 0; node < body->NodeCount; ++node) *mass += body->Nodes[node].Mass;
+}
+
+// I2 = sum m r
+void sum_first_moments(FmdBody* body, double* moment) {
+  for (int node = 0; node < body->NodeCount; ++node) {
+    const FmdNode& from = body->Nodes[node];
+    for (int k = 0; k < 3; ++k) moment[k] += from.Mass * from.Coordinates[k];
+  }
+}
+
+// I7 = sum (-m ~r ~r + J)
+void sum_inertias(FmdBody* body, double* inertia) {
+  for (int node = 0; node < body->NodeCount; ++node) {
+    FmdNode& from = body->Nodes[node];
+    incr_scalar_tilde_tilde(inertia, -from.Mass, from.Coordinates, from.Coordinates);
+    double tensor[9];
+    if (from.Inertia == nullptr || FMD_NodalInertia(body, node, tensor) == 0) continue;
+    for (int k = 0; k < 9; ++k) inertia[k] += tensor[k];
+  }
+}
+
+void mass_from_global(FmdBody* body, double* mass) {
+  *mass = body->GlobalMass;
+}
+
+void moments_from_global(FmdBody* body, double* moment) {
+  for (int k = 0; k < 3; ++k) moment[k] = body->GlobalMass * body->GlobalCenterOfMass[k];
+}
+
+// The invariant holds the off-diagonal entries with the opposite sign to the global tensor.
+void inertia_from_global(FmdBody* body, double* inertia) {
+  for (int k = 0; k < 9; ++k) inertia[k] = k % 4 == 0 ? body->GlobalInertia[k] : -body->GlobalInertia[k];
+}
+
+struct RigidInvariant {
+  int size;
+  int block;
+  double* FmdBody::*cache;
+  void (*from_nodes)(FmdBody*, double*);
+  void (*from_global)(FmdBody*, double*);
+};
+
+constexpr RigidInvariant kInvariantOne = {1, kInvariant1Block, &FmdBody::Invar1, sum_masses,
+                                          mass_from_global};
+constexpr RigidInvariant kInvariantTwo = {3, kInvariant2Block, &FmdBody::Invar2, sum_first_moments,
+                                          moments_from_global};
+constexpr RigidInvariant kInvariantSeven = {9, kInvariant7Block, &FmdBody::Invar7, sum_inertias,
+                                            inertia_from_global};
+
+double unit_factor(const FmdBody* body, int size) {
+  const double mass = body->UnitTotalFactor[kMass];
+  const double length = body->UnitTotalFactor[kLength];
+  if (size == 1) return mass;
+  return size == 3 ? mass * length : mass * length * length;
+}
+
+// The filled cache, or null after a failure that has been reported.
+const double* cached(FmdBody* body, const RigidInvariant& invariant) {
+  double*& cache = body->*(invariant.cache);
+  if (cache != nullptr) return cache;
+  auto values = fmd::allocate<double>(invariant.size, "dbinvar");
+  if (values == nullptr) return nullptr;
+  if (FMD_goto_block(body, invariant.block) != 0) {
+    if (!read_block(body, values.get(), invariant.size, unit_factor(body, invariant.size))) return nullptr;
+  } else if (FMD_Exists(body, kNodalMassBlock) != 0) {
+    invariant.from_nodes(body, values.get());
+  } else if (body->GlobalMass != 0.0) {
+    invariant.from_global(body, values.get());
+  }
+  cache = values.release();
+  return cache;
+}
+
+double* copy_of(FmdBody* body, const RigidInvariant& invariant) {
+  if (CheckFMD(body) == 0) return nullptr;
+  const double* values = cached(body, invariant);
+  if (values == nullptr) return nullptr;
+  auto copy = fmd::allocate<double>(invariant.size, "dbinvar");
+  if (copy == nullptr) return nullptr;
+  std::memcpy(copy.get(), values, sizeof(double) * static_cast<std::size_t>(invariant.size));
+  return copy.release();
+}
+
+}  // namespace
+
+namespace fmd {
+
+bool fill_mass_invariant(FmdBody* body) {
+  return cached(body, kInvariantOne) != nullptr;
+}
+
+}  // namespace fmd
+
+double FMD_Invar1(FmdBody* body) {
+  if (CheckFMD(body) == 0) return 0.0;
+  const double* mass = cached(body, kInvariantOne);
+  return mass == nullptr ? 0.0 : *mass;
+}
+
+double* FMD_Invar2(FmdBody* body) {
+  return copy_of(body, kInvariantTwo);
+}
+
+double* FMD_Invar7(FmdBody* body) {
+  return copy_of(body, kInvariantSeven);
+}

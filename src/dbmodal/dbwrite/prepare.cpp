@@ -1,0 +1,122 @@
+#include "dbmodal/dbwrite/prepare.h"
+
+#include <algorithm>
+
+#include "dbmodal/dbwrite/frequency_band.h"
+#include "fmdtoolkit/fmdtoolkit.h"
+#include "messages/memory.h"
+
+namespace fmd {
+
+namespace {
+
+void refuse_option(WriteJob& job, const char* option) {
+  FMD_Error("The write option %s is not available yet.", option);
+  job.ok = false;
+}
+
+void copy_from_body(WriteJob& job, int first, int last) {
+  for (int byte = first; byte <= last; ++byte) job.summary[byte] = job.body->BlockExists[byte];
+}
+
+// A body with faces has one of two blocks, by level.
+void place_faces(WriteJob& job) {
+  const char* const exists = job.body->BlockExists;
+  if (exists[kElementFaces] == 0 && exists[kElementTopology] == 0) return;
+  job.summary[job.is_old_style() ? kElementTopology : kElementFaces] = 1;
+}
+
+void run_orthonormal_stage(WriteJob& job) {
+  FmdBody* const body = job.body;
+  const bool had_modes = body->ModeCount > 0;
+  const bool transformed = FMD_OrthoNormalize(body) != 0;
+  if (!transformed && had_modes) {
+    job.ok = false;
+    return;
+  }
+  job.summary[kTransformation] = transformed || body->Transformation != nullptr;
+  job.summary[kEigenvalues] = body->ModeCount > 0;
+  select_frequency_band(job);
+}
+
+// Matrices as they stand in place of eigenvalues; all modes, numbers unchanged.
+void keep_modes_as_they_are(WriteJob& job) {
+  job.summary[kGeneralizedStiffness] = 1;
+  job.summary[kGeneralizedMass] = 1;
+  job.first_mode = 0;
+  job.mode_count = job.body->ModeCount;
+}
+
+void run_invariant_stage(WriteJob& job) {
+  if (job.options.full_invariants) return refuse_option(job, "full_invar");
+  if (job.options.fast_invariants) return refuse_option(job, "fast_invar");
+  if (job.options.invariants) FMD_Error("Illegal invariants option, use full_invar or fast_invar.");
+  const char* const exists = job.body->BlockExists;
+  job.summary[kGlobalProperties] =
+      exists[kGlobalProperties] != 0 || (exists[kNodalCoordinates] != 0 && exists[kNodalMasses] != 0);
+}
+
+// One record a mode, by mode index, so that the getters find them; only the exported ones are written.
+void renew_statistics(WriteJob& job) {
+  FmdBody* const body = job.body;
+  release(body->ModalStatistics);
+  body->StatisticsCount = 0;
+  job.summary[kModalStatistics] = 0;
+  if (job.mode_count == 0) return;
+  body->ModalStatistics = allocate<FmdModeStatistics>(body->ModeCount, "dbwrite").release();
+  if (body->ModalStatistics == nullptr) {
+    job.ok = false;
+    return;
+  }
+  body->StatisticsCount = body->ModeCount;
+  job.summary[kModalStatistics] = 1;
+}
+
+}  // namespace
+
+void run_mesh_stage(WriteJob& job) {
+  if (job.options.shift_to_center_of_mass) refuse_option(job, "lbrf2cm");
+  if (!job.options.sketch.empty()) refuse_option(job, "sketch");
+  if (job.options.strip_faces) refuse_option(job, "strip_face");
+  if (!job.options.coarsen.empty()) refuse_option(job, "coarsen");
+}
+
+void choose_version(WriteJob& job) {
+  const VersionChoice choice = choose_version(job.options);
+  for (int i = 0; i < choice.conflict_count; ++i) {
+    FMD_Error("%s", choice.conflicts[i]);
+    job.ok = false;
+  }
+  job.version = choice.word;
+}
+
+void run_content_stages(WriteJob& job) {
+  std::fill(std::begin(job.summary), std::end(job.summary), '\0');
+  copy_from_body(job, kNodalCoordinates, kNodalCoordinates);
+  copy_from_body(job, kModeShapes, kNodalInertias);
+  job.summary[kUnits] = 1;
+  copy_from_body(job, kGeneralizedDamping, kGeneralizedDamping);
+  copy_from_body(job, kInterfaceNodes, kModalStress);
+  place_faces(job);
+
+  if (job.options.no_ortho) {
+    keep_modes_as_they_are(job);
+  } else {
+    run_orthonormal_stage(job);
+  }
+  if (!job.ok) return;
+
+  copy_from_body(job, kInvariant1, kInvariant9);
+  run_invariant_stage(job);
+  if (!job.ok) return;
+
+  copy_from_body(job, kModalPreload, kModalStrain);
+  copy_from_body(job, kPreStress, kModalLoadNodal);
+  renew_statistics(job);
+  if (!job.ok) return;
+
+  if (job.options.empty) refuse_option(job, "empty");
+  if (job.options.mks) refuse_option(job, "MKS");
+}
+
+}  // namespace fmd
