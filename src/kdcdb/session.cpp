@@ -122,8 +122,11 @@ Status create_database(const std::string& base, const std::vector<Command>& comm
   Store& state = store();
   Status status = state.master.create(base + kMasterSuffix, is_lasting(commands));
   if (status != kOk) return status;
-  status = make_set(base + kDefaultSet);
-  if (status == kOk) status = run_commands(base, commands);
+  // Guarded on its own, so that no file stays behind where memory is short.
+  status = guarded([&]() -> Status {
+    const Status made = make_set(base + kDefaultSet);
+    return made == kOk ? run_commands(base, commands) : made;
+  });
   if (status == kOk) return kOk;
   state.master.close();
   remove_files(base);
@@ -150,8 +153,14 @@ Status begin_database(const char* base, const char* text, Opening opening) {
     std::string absolute;
     Status status = parse_checked(text, commands);
     if (status == kOk) status = absolute_base(base, absolute);
-    if (status == kOk) status = opening(absolute, commands);
-    if (status == kOk) state.base = std::move(absolute);
+    if (status != kOk) return status;
+    // Guarded on its own, so that no file stays open where memory is short.
+    status = guarded([&]() -> Status { return opening(absolute, commands); });
+    if (status == kOk) {
+      state.base = std::move(absolute);
+    } else {
+      state.master.close();
+    }
     return status;
   });
 }
