@@ -267,6 +267,9 @@ struct FmdBody {
 
 namespace fmd {
 
+// What stands at a counted place of a matrix list whose entry could not be stored.
+constexpr FmdMatrixEntry kNoEntry = {-1, -1, 0.0};
+
 // Puts a zeroed record into the state of a new body.
 void initialize_body(FmdBody& body, int planned_nodes, int planned_modes);
 

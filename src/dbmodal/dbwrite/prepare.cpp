@@ -1,6 +1,7 @@
 #include "dbmodal/dbwrite/prepare.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "dbmodal/dbwrite/frequency_band.h"
 #include "fmdtoolkit/fmdtoolkit.h"
