@@ -105,8 +105,11 @@ class Parser {
 
   bool separator() {
     if (accept(';') || accept(',')) return true;
-    if (!is_name_character(next())) return false;
-    return in_small_letters(name()) == "and";
+    next();
+    const char* const start = at_;
+    if (in_small_letters(name()) == "and") return true;
+    at_ = start;
+    return false;
   }
 
   const char* at_;

@@ -53,7 +53,9 @@ Status Cursor::restore(std::int64_t position) {
     at_ = kNowhere;
     return kBadPosition;
   }
-  if (!record_.is_last && position >= record_.start && position <= record_.end) {
+  // Mostly the place is in the record where the cursor stands already.
+  const bool known = marks_ == block_->record_ends.size() && position >= record_.start;
+  if (known && (record_.is_last || position <= record_.end)) {
     at_ = position;
   } else {
     stand_at(position);

@@ -102,9 +102,13 @@ Status create_scratch(std::int32_t highqual, int* key) {
   block->highqual = highqual;
   const Status status = block->file.create(state.base);
   if (status != kOk) return status;
-  blocks.reserve(blocks.size() + 1);
-  *key = state.new_key(block.get());
   blocks.push_back(std::move(block));
+  try {
+    *key = state.new_key(blocks.back().get());
+  } catch (...) {
+    blocks.pop_back();
+    throw;
+  }
   return kOk;
 }
 
@@ -170,7 +174,7 @@ Status ReleaseDatablk(int key) {
   const Cursor* cursor = state.cursor(key);
   if (cursor == nullptr) return kNoDatablock;
   ScratchBlock* const block = cursor->block();
-  state.end_keys_of(block);
+  state.end_keys_of(*block);
   for (auto& [base, blocks] : state.scratch) {
     const auto found =
         std::find_if(blocks.begin(), blocks.end(), [&](const auto& b) { return b.get() == block; });

@@ -63,7 +63,8 @@ Status DbaseOld(const char* base, const char* commands);
 // Names the delivered database, which this store has no need of.
 Status DbaseNdl(const char* delivery_path);
 
-// Closes the database; all keys end. Scratch data stays with the process.
+// Closes the database and ends the session; all keys end. Scratch data stays with the process, until
+// DeleteDatabase.
 Status DbaseCls();
 
 // The physical name behind a logical one ("DBS", "F06"): an absolute path, ending in "_" and the logical

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <vector>
 
 #include "kdcdb/master_pages.h"
 #include "kdcdb/system_status.h"
@@ -27,7 +26,7 @@ bool has_no_such_call(int error) {
 
 Status flush_directory(const std::string& path) {
   fmd::FileSystem& system = fmd::file_system();
-  const int directory = system.open(directory_of(path).c_str(), O_RDONLY | O_DIRECTORY, 0);
+  const int directory = system.open(path.c_str(), O_RDONLY | O_DIRECTORY, 0);
   if (directory < 0) return status_of_error(errno);
   const Status status = system.fsync(directory) == 0 ? kOk : status_of_error(errno);
   system.close(directory);
@@ -42,39 +41,41 @@ std::string directory_of(const std::string& path) {
   return path.substr(0, std::max<std::size_t>(slash, 1));
 }
 
-Status MasterFile::create(const std::string& path, bool lasting) {
+// Memory is taken before the first file is made, so that nothing is left behind for want of it.
+Status MasterFile::create(const char* path, bool lasting) {
   fmd::FileSystem& system = fmd::file_system();
-  file_ = system.open(directory_of(path).c_str(), O_TMPFILE | O_RDWR, 0666);
+  const std::string directory = directory_of(path);
+  std::string other_name = std::string(path) + "_XXXXXX";
+  file_ = system.open(directory.c_str(), O_TMPFILE | O_RDWR, 0666);
   Status status;
   if (file_ >= 0) {
     status = create_unnamed(path, lasting);
   } else if (has_no_such_call(errno)) {
-    status = create_under_another_name(path, lasting);
+    status = create_under_another_name(other_name.data(), path, lasting);
   } else {
     return status_of_error(errno);
   }
   if (status == kOk && lasting) {
-    status = flush_directory(path);
-    if (status != kOk) system.unlink(path.c_str());
+    status = flush_directory(directory);
+    if (status != kOk) system.unlink(path);
   }
   if (status != kOk) close();
   return status;
 }
 
-Status MasterFile::create_unnamed(const std::string& path, bool lasting) {
+Status MasterFile::create_unnamed(const char* path, bool lasting) {
   const Status status = write_new(lasting);
   if (status != kOk) return status;
-  return fmd::file_system().linkat(file_, path.c_str()) == 0 ? kOk : status_of_error(errno);
+  return fmd::file_system().linkat(file_, path) == 0 ? kOk : status_of_error(errno);
 }
 
-Status MasterFile::create_under_another_name(const std::string& path, bool lasting) {
+Status MasterFile::create_under_another_name(char* other_name, const char* path, bool lasting) {
   fmd::FileSystem& system = fmd::file_system();
-  std::string named = path + "_XXXXXX";
-  file_ = system.mkstemp(named.data());
+  file_ = system.mkstemp(other_name);
   if (file_ < 0) return status_of_error(errno);
   Status status = write_new(lasting);
-  if (status == kOk && system.link(named.c_str(), path.c_str()) != 0) status = status_of_error(errno);
-  system.unlink(named.c_str());
+  if (status == kOk && system.link(other_name, path) != 0) status = status_of_error(errno);
+  system.unlink(other_name);
   return status;
 }
 
@@ -88,10 +89,10 @@ Status MasterFile::write_new(bool lasting) {
   root.generation = 1;
   const HeaderBytes header = encode_header(root.file_id, created);
   const RootBytes slot = encode_root(root);
-  std::vector<unsigned char> pages(kFirstFreePage * kPageBytes);
-  std::copy(header.begin(), header.end(), pages.begin());
-  std::copy(slot.begin(), slot.end(), pages.begin() + root_page(root.generation) * kPageBytes);
-  if (!fmd::write_all_at(file_, pages.data(), pages.size(), 0)) return status_of_error(errno);
+  if (fmd::file_system().ftruncate(file_, kFirstFreePage * kPageBytes) != 0 ||
+      !fmd::write_all_at(file_, header.data(), header.size(), 0) ||
+      !fmd::write_all_at(file_, slot.data(), slot.size(), root_page(root.generation) * kPageBytes))
+    return status_of_error(errno);
   if (lasting && fmd::file_system().fsync(file_) != 0) return status_of_error(errno);
   return lock();
 }
@@ -106,8 +107,8 @@ Status MasterFile::lock() {
   return errno == EACCES ? kLocked : status_of_error(errno);
 }
 
-Status MasterFile::open(const std::string& path) {
-  file_ = fmd::file_system().open(path.c_str(), O_RDWR, 0);
+Status MasterFile::open(const char* path) {
+  file_ = fmd::file_system().open(path, O_RDWR, 0);
   if (file_ < 0) return status_of_error(errno);
   Status status = lock();
   if (status == kOk) status = check(path);
@@ -116,12 +117,11 @@ Status MasterFile::open(const std::string& path) {
 }
 
 // The name may have come to mean another file between opening and locking.
-Status MasterFile::check(const std::string& path) {
+Status MasterFile::check(const char* path) {
   fmd::FileSystem& system = fmd::file_system();
   struct stat locked {};
   struct stat named {};
-  if (system.fstat(file_, &locked) != 0 || system.stat(path.c_str(), &named) != 0)
-    return status_of_error(errno);
+  if (system.fstat(file_, &locked) != 0 || system.stat(path, &named) != 0) return status_of_error(errno);
   if (locked.st_dev != named.st_dev || locked.st_ino != named.st_ino) return kLocked;
 
   HeaderBytes header;

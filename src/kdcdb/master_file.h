@@ -20,19 +20,19 @@ class MasterFile {
   ~MasterFile() { close(); }
 
   // Makes the file under a name that nobody has yet, and locks it. A database that is to last is flushed.
-  Status create(const std::string& path, bool lasting);
+  Status create(const char* path, bool lasting);
 
   // Opens the file, locks it and checks header and roots.
-  Status open(const std::string& path);
+  Status open(const char* path);
 
   void close();
 
  private:
-  Status create_unnamed(const std::string& path, bool lasting);
-  Status create_under_another_name(const std::string& path, bool lasting);
+  Status create_unnamed(const char* path, bool lasting);
+  Status create_under_another_name(char* other_name, const char* path, bool lasting);
   Status write_new(bool lasting);
   Status lock();
-  Status check(const std::string& path);
+  Status check(const char* path);
 
   int file_ = -1;
 };

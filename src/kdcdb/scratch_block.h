@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "kdcdb/kdcdb.h"
@@ -33,12 +32,12 @@ struct ScratchBlock {
   Status append_mark();
   Status append_zeros(std::int64_t count);
 
-  std::string name;
   std::int32_t highqual = 0;
   ScratchFile file;
   std::int64_t words = 0;                 // marks included
   std::vector<std::int64_t> record_ends;  // place of each mark
   std::uint64_t generation = 0;           // how often the words were cleared
+  std::vector<int> keys;                  // that name this datablock
   std::array<std::int32_t, kTrailerWords - 1> trailer{};
 };
 

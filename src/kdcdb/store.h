@@ -2,6 +2,7 @@
 #ifndef FMDTOOLKIT_KDCDB_STORE_H
 #define FMDTOOLKIT_KDCDB_STORE_H
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <new>
@@ -21,11 +22,11 @@ using ScratchBlocks = std::vector<std::unique_ptr<ScratchBlock>>;
 
 struct Store {
   PageCache cache;
-  std::map<std::string, ScratchBlocks> scratch;  // by absolute base path
-  std::vector<std::unique_ptr<Cursor>> keys;     // key k at k - 1; null once it has ended
-  std::string directory;                         // absolute; empty without a session
-  std::string own_name;                          // base name of the session's files
-  std::string base;                              // of the open database, absolute; empty without one
+  std::map<std::string, ScratchBlocks, std::less<>> scratch;  // by absolute base path
+  std::vector<std::unique_ptr<Cursor>> keys;                  // key k at k - 1; null once it has ended
+  std::string directory;                                      // absolute; empty without a session
+  std::string own_name;                                       // base name of the session's files
+  std::string base;  // of the open database, absolute; empty without one
   MasterFile master;
 
   bool is_open() const { return !base.empty(); }
@@ -36,7 +37,7 @@ struct Store {
     return place < keys.size() ? keys[place].get() : nullptr;
   }
   int new_key(ScratchBlock* block);
-  void end_keys_of(const ScratchBlock* block);
+  void end_keys_of(const ScratchBlock& block);
 };
 
 Store& store();

@@ -64,10 +64,13 @@ bool start() {
   return kdcdb::DbaseNdl(state.delivery_path.c_str()) == kdcdb::kOk;
 }
 
-void delete_f06_file() {
-  char name[kNameBytes];
+// Closes the session's database and deletes the print file that goes with it.
+void close_database() {
+  char print_file[kNameBytes];
   std::size_t length = 0;
-  if (kdcdb::GetDbName("F06", name, sizeof name, &length) == kdcdb::kOk) fmd::file_system().unlink(name);
+  const kdcdb::Status named = kdcdb::GetDbName("F06", print_file, sizeof print_file, &length);
+  kdcdb::DbaseCls();
+  if (named == kdcdb::kOk) fmd::file_system().unlink(print_file);
 }
 
 }  // namespace
@@ -87,8 +90,7 @@ void DB_TermBase(void) {
   Session& state = session();
   state.kadcdb_dir.clear();
   if (!state.started) return;
-  kdcdb::DbaseCls();
-  delete_f06_file();
+  close_database();
   kdcdb::DeleteDatabase(state.base_name.c_str());
   state.base_name.clear();
   state.started = false;
