@@ -2,6 +2,9 @@
 #ifndef FMDTOOLKIT_EXTENSIONS_H
 #define FMDTOOLKIT_EXTENSIONS_H
 
+#if defined(__GNUC__)
+#pragma GCC visibility push(default) /* leaves the library, which hides all else */
+#endif
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -14,6 +17,9 @@ void FMDX_SetProgressHandler(FmdxProgressHandler handler);
 
 #ifdef __cplusplus
 }
+#endif
+#if defined(__GNUC__)
+#pragma GCC visibility pop
 #endif
 
 #endif

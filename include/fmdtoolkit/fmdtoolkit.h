@@ -40,6 +40,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#if defined(__GNUC__)
+#pragma GCC visibility push(default) /* leaves the library, which hides all else */
+#endif
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -470,6 +473,9 @@ long long FileTell_Win32(FILE* file);
 
 #ifdef __cplusplus
 }
+#endif
+#if defined(__GNUC__)
+#pragma GCC visibility pop
 #endif
 
 #endif
