@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <new>
 #include <vector>
 
 #include "fmdtoolkit/fmdtoolkit.h"
@@ -14,19 +13,6 @@
 #include "solverdb/scratch.h"
 #include "support/failing_file_system.h"
 #include "support/session.h"
-
-// The standard containers of the store fail with the rest of memory.
-void* operator new(std::size_t bytes) {
-  void* const storage = fmd::should_fail_allocation() ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
-  if (storage == nullptr) throw std::bad_alloc();
-  return storage;
-}
-void operator delete(void* storage) noexcept {
-  std::free(storage);
-}
-void operator delete(void* storage, std::size_t) noexcept {
-  std::free(storage);
-}
 
 namespace {
 
