@@ -128,17 +128,21 @@ Status MasterFile::check(const char* path) {
   std::uint64_t file_id = 0;
   if (!fmd::read_all_at(file_, header.data(), header.size(), 0) || !decode_header(header, file_id))
     return kNotADatabase;
+  return check_roots(file_id);
+}
+
+// A damaged slot may be the newest: then what the other one calls free holds its data, and nobody may write.
+Status MasterFile::check_roots(std::uint64_t file_id) {
   Root newest;
-  bool found = false;
   for (const std::int64_t page : {std::int64_t{1}, std::int64_t{2}}) {
     RootBytes slot;
     Root root;
     if (!fmd::read_all_at(file_, slot.data(), slot.size(), page * kPageBytes)) return kNotADatabase;
-    if (!decode_root(slot, file_id, root) || (found && root.generation < newest.generation)) continue;
-    newest = root;
-    found = true;
+    if (slot == RootBytes{}) continue;
+    if (!decode_root(slot, file_id, root)) return kNotADatabase;
+    if (root.generation > newest.generation) newest = root;
   }
-  if (!found) return kNotADatabase;
+  if (newest.generation == 0) return kNotADatabase;
   return newest.dictionary_bytes == 0 ? kOk : kNotSupported;
 }
 

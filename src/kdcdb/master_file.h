@@ -2,6 +2,7 @@
 #ifndef FMDTOOLKIT_KDCDB_MASTER_FILE_H
 #define FMDTOOLKIT_KDCDB_MASTER_FILE_H
 
+#include <cstdint>
 #include <string>
 
 #include "kdcdb/kdcdb.h"
@@ -33,6 +34,7 @@ class MasterFile {
   Status write_new(bool lasting);
   Status lock();
   Status check(const char* path);
+  Status check_roots(std::uint64_t file_id);
 
   int file_ = -1;
 };

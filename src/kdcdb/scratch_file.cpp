@@ -244,8 +244,28 @@ Status ScratchFile::read(std::int64_t offset, void* to, std::int64_t bytes) {
   return kOk;
 }
 
-// One transfer into the caller's array, then what the frames know better.
+// Pages that frames know whole are copied; each run between them is one transfer into the caller's array.
 Status ScratchFile::read_large(std::int64_t offset, unsigned char* to, std::int64_t bytes) {
+  const std::int64_t end = offset + bytes;
+  std::int64_t run = offset;
+  for (std::int64_t at = offset; at < end;) {
+    const std::int64_t start = at & ~static_cast<std::int64_t>(kPageBytes - 1);
+    const std::int64_t piece_end = std::min(start + kPageBytes, end);
+    const Frame* frame = find(at >> kPageBits);
+    if (frame != nullptr && frame->lo <= at - start && frame->hi >= piece_end - start) {
+      const Status status = read_run(run, to + (run - offset), at - run);
+      if (status != kOk) return status;
+      std::memcpy(to + (at - offset), frame->bytes.get() + (at - start),
+                  static_cast<std::size_t>(piece_end - at));
+      run = piece_end;
+    }
+    at = piece_end;
+  }
+  return read_run(run, to + (run - offset), end - run);
+}
+
+// From the file, then what the frames know better.
+Status ScratchFile::read_run(std::int64_t offset, unsigned char* to, std::int64_t bytes) {
   const Status status = read_from_disk(offset, to, bytes);
   if (status != kOk) return status;
   const std::int64_t end = offset + bytes;

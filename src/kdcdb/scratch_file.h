@@ -57,6 +57,7 @@ class ScratchFile {
   Status read_piece(std::int64_t page, int at, unsigned char* to, int bytes);
   Status write_whole_pages(std::int64_t offset, const unsigned char* from, std::int64_t bytes);
   Status read_large(std::int64_t offset, unsigned char* to, std::int64_t bytes);
+  Status read_run(std::int64_t offset, unsigned char* to, std::int64_t bytes);
   Status write_to_disk(std::int64_t offset, const unsigned char* from, std::int64_t bytes);
   Status read_from_disk(std::int64_t offset, unsigned char* to, std::int64_t bytes) const;
 

@@ -115,9 +115,17 @@ TEST_F(MasterFileTest, RootOfAnEmptyDatabaseHasTheDocumentedBytes) {
   std::memcpy(expected.data(), "FMDSROOT\x88\x77\x66\x55\x44\x33\x22\x11\x01", 17);
   expected[40] = 3;
   expected[48] = 1;
-  const std::uint32_t crc = slow_crc32c(expected.data(), 124);
-  std::memcpy(expected.data() + 124, &crc, 4);
+  std::memcpy(expected.data() + 124, "\x2d\x0f\x67\x2e", 4);
   EXPECT_EQ(slot, expected);
+
+  root.generation = 2;
+  root.dictionary_page = 6;
+  root.dictionary_bytes = 136;
+  root.end_page = 7;
+  root.next_serial = 2;
+  root.dictionary_crc = 0x37efd2bd;
+  const auto later = kdcdb::encode_root(root);
+  EXPECT_EQ(std::memcmp(later.data() + 124, "\xfb\x38\xf3\x28", 4), 0);
   EXPECT_EQ(kdcdb::root_page(1), 1);
   EXPECT_EQ(kdcdb::root_page(2), 2);
 }
@@ -186,6 +194,9 @@ TEST_F(MasterFileTest, NewestSoundRootCounts) {
   std::copy(slot.begin(), slot.end(), content.begin() + 2 * 16384);
   put(content);
   EXPECT_EQ(open(), kdcdb::kNotSupported);  // generation 2 is looked at
+  content[2 * 16384 + 16] = 3;
+  put(content);
+  EXPECT_EQ(open(), kdcdb::kNotADatabase);  // damaged, it may have been the newest
   root.generation = 0;
   const auto older = kdcdb::encode_root(root);
   std::copy(older.begin(), older.end(), content.begin() + 2 * 16384);
