@@ -260,6 +260,7 @@ struct FmdBody {
   std::int32_t ModeMemoryRows[TOTAL_MODE_INFO_TYPES][2];  // pointers that each cache array has
   std::int32_t ModeMemoryNodes[TOTAL_MODE_INFO_TYPES];    // mode nodes that each cached half vector covers
   std::int32_t ModeBufferNodes[TOTAL_MODE_INFO_TYPES];    // mode nodes that ModeBuffer has room for
+  std::int32_t ModeBufferBroken[TOTAL_MODE_INFO_TYPES];   // 1: reading the loaded vector has failed
   std::int32_t ModeRefBufferNodes;                        // nodes that ModeRefBuffer has room for
   std::int32_t StatisticsCount;                           // records that ModalStatistics has
   std::int32_t TransformationOrder;                       // order of the Transformation matrix

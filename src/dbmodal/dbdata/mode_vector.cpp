@@ -117,6 +117,7 @@ int load_mode_vector(FmdBody* body, int mode, int type) {
   const bool done = is_pseudo_mode(mode, type) ? copy_pseudo_mode(*body, type, body->ModeBuffer[type])
                                                : read_vector(*body, type, index);
   apply_units(*body, type, nodes, body->ModeBuffer[type]);
+  body->ModeBufferBroken[type] = done ? 0 : 1;
   if (!done) report_unreadable(mode, type);
   return 1;
 }

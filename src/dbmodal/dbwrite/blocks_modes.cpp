@@ -1,4 +1,5 @@
 // Blocks of the exported modes: eigenvalues (7), mode shapes (8), statistics (30).
+#include <algorithm>
 #include <cmath>
 
 #include "dbmodal/block_table.h"
@@ -25,18 +26,35 @@ struct Largest {
   }
 };
 
-void keep_largest(WriteJob& job, int exported, const double* rows, int nodes) {
+// The largest translation and rotation of one mode.
+struct Peaks {
   Largest translation;
   Largest rotation;
-  for (int node = 0; node < nodes; ++node, rows += kValuesPerNode) {
-    translation.offer(rows, node);
-    rotation.offer(rows + 3, node);
+
+  void offer(const double* rows, int first, int nodes) {
+    for (int node = first; node < first + nodes; ++node, rows += kValuesPerNode) {
+      translation.offer(rows, node);
+      rotation.offer(rows + 3, node);
+    }
   }
-  FmdModeStatistics& record = job.body->ModalStatistics[job.first_mode + exported];
-  if (translation.node >= 0) record.MaxDisplacementNode = FMD_ModeNodeID(job.body, kShape, translation.node);
-  if (rotation.node >= 0) record.MaxRotationNode = FMD_ModeNodeID(job.body, kShape, rotation.node);
-  record.MaxDisplacement = std::sqrt(translation.squared);
-  record.MaxRotation = std::sqrt(rotation.squared);
+
+  void keep(FmdBody* body, FmdModeStatistics& record) const {
+    if (translation.node >= 0) record.MaxDisplacementNode = FMD_ModeNodeID(body, kShape, translation.node);
+    if (rotation.node >= 0) record.MaxRotationNode = FMD_ModeNodeID(body, kShape, rotation.node);
+    record.MaxDisplacement = std::sqrt(translation.squared);
+    record.MaxRotation = std::sqrt(rotation.squared);
+  }
+};
+
+// Searched and written by pieces that stay in a core's cache.
+void put_shape(WriteJob& job, const double* rows, int nodes, Peaks& peaks) {
+  constexpr int kPiece = 2048;
+  for (int first = 0; first < nodes; first += kPiece) {
+    const int count = std::min(kPiece, nodes - first);
+    const double* const piece = rows + as_size(first) * kValuesPerNode;
+    peaks.offer(piece, first, count);
+    job.sink->put_reals(piece, as_size(count) * kValuesPerNode);
+  }
 }
 
 bool write_shape(WriteJob& job, ModeSource& source, int exported) {
@@ -44,10 +62,11 @@ bool write_shape(WriteJob& job, ModeSource& source, int exported) {
   const double* const rows = source.fetch(number);
   if (rows == nullptr) return false;
   const int nodes = source.node_count();
-  keep_largest(job, exported, rows, nodes);
   if (is_zero(rows, nodes)) FMD_Warning("The mode shape for mode %d has only zero entries\n", number);
+  Peaks peaks;
   put_mode_word(job, number);
-  job.sink->put_reals(rows, as_size(nodes) * kValuesPerNode);
+  put_shape(job, rows, nodes, peaks);
+  peaks.keep(job.body, job.body->ModalStatistics[job.first_mode + exported]);
   return job.sink->ok();
 }
 

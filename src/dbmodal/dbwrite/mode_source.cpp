@@ -20,9 +20,18 @@ bool ModeSource::open(FmdBody* body, int type) {
   return whole_ != nullptr;
 }
 
+// A getter may answer with what a failed read left; a dataset must not hold that.
+bool ModeSource::is_broken(int mode) const {
+  if (body_->ModeBufferBroken[type_] == 0) return false;
+  const int index = is_pseudo_mode(mode, type_) ? body_->ModeCount : FMD_ModeIndex(body_, mode);
+  return body_->LoadedModeIndex[type_] == index;
+}
+
 const double* ModeSource::fetch(int mode) {
-  if (whole_ == nullptr)
-    return load_mode_vector(body_, mode, type_) == 0 ? nullptr : body_->ModeBuffer[type_];
+  if (whole_ == nullptr) {
+    if (load_mode_vector(body_, mode, type_) == 0 || is_broken(mode)) return nullptr;
+    return body_->ModeBuffer[type_];
+  }
   for (int part = 0; part < 2; ++part) {
     if (FMD_Mode(body_, mode, type_, half_.get(), part) == 0) return nullptr;
     const double* from = half_.get();
@@ -31,7 +40,7 @@ const double* ModeSource::fetch(int mode) {
       for (int k = 0; k < 3; ++k) to[k] = from[k];
     }
   }
-  return whole_.get();
+  return is_broken(mode) ? nullptr : whole_.get();
 }
 
 }  // namespace fmd

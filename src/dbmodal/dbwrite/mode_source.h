@@ -21,6 +21,8 @@ class ModeSource {
   int node_count() const { return node_count_; }
 
  private:
+  bool is_broken(int mode) const;
+
   FmdBody* body_ = nullptr;
   int type_ = 0;
   int node_count_ = 0;
