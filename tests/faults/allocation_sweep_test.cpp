@@ -1,0 +1,178 @@
+// Fails the first, second, third ... allocation of every exported operation until it succeeds.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <string>
+
+#include "faults/counted_allocations.h"
+#include "faults/dataset_write.h"
+#include "faults/operations.h"
+#include "messages/memory.h"
+#include "support/session.h"
+
+namespace {
+
+using fmdtest::FailingAllocation;
+using fmdtest::Failure;
+using fmdtest::Operation;
+using fmdtest::QuietLog;
+using fmdtest::Scene;
+
+constexpr long kMostAllocations = 5000;
+
+enum class Outcome { kSucceeded, kFailed, kThrew };
+
+Outcome try_with_failing_allocation(const Operation& operation, Scene& scene, long nth) {
+  const FailingAllocation failing(nth);
+  try {
+    return operation.run(scene) ? Outcome::kSucceeded : Outcome::kFailed;
+  } catch (...) {
+    return Outcome::kThrew;
+  }
+}
+
+// What is said where memory is short: the failed allocation itself, or the file or step that it was for.
+bool tells_of_memory(const std::string& text) {
+  static const std::regex allocation(
+      "Failed to allocate memory( for Pre-Str(ess|ain))? at line [0-9]+ in file [a-z_]+\\.\n");
+  static const std::regex file(
+      "(Cannot open temporary datablock, |Insufficient disk space for temporary ).*\n?");
+  return std::regex_match(text, allocation) || std::regex_match(text, file);
+}
+
+class AllocationSweep : public fmdtest::SessionTest, public testing::WithParamInterface<Operation> {
+ protected:
+  // False once the operation no longer reaches so many allocations.
+  bool fails_at(const Operation& operation, long nth) {
+    SCOPED_TRACE("allocation " + std::to_string(nth));
+    const long descriptors = fmdtest::open_descriptors();
+    Scene scene;
+    operation.prepare(scene);
+    said.errors.clear();
+    const Outcome outcome = try_with_failing_allocation(operation, scene, nth);
+    const bool has_failed = fmd::allocation_has_failed();
+    fmd::fail_allocation(0);
+    EXPECT_NE(outcome, Outcome::kThrew) << "an exception crossed the interface";
+    if (!has_failed) {
+      EXPECT_EQ(outcome, Outcome::kSucceeded) << "although no allocation failed";
+      EXPECT_FALSE(has_told_of_memory());
+    } else if (outcome == Outcome::kFailed) {
+      check_failure(operation, scene);
+    }
+    if (scene.body != nullptr) {
+      EXPECT_TRUE(fmdtest::is_usable(scene.body));
+    }
+    fmdtest::leave(scene);
+    EXPECT_EQ(fmdtest::open_descriptors(), descriptors);
+    return has_failed;
+  }
+
+  bool has_told_of_memory() const {
+    return std::any_of(said.errors.begin(), said.errors.end(), tells_of_memory);
+  }
+
+  void check_failure(const Operation& operation, Scene& scene) {
+    if (operation.failure == Failure::kReported) {
+      EXPECT_TRUE(has_told_of_memory()) << testing::PrintToString(said.errors);
+    }
+    if (!operation.repeats) return;
+    said.errors.clear();
+    EXPECT_TRUE(operation.run(scene)) << "with memory again";
+    EXPECT_THAT(said.errors, testing::IsEmpty());
+  }
+
+  QuietLog said;
+};
+
+TEST_P(AllocationSweep, SurvivesTheFailureOfEachOfItsAllocations) {
+  long nth = 1;
+  while (nth <= kMostAllocations && fails_at(GetParam(), nth) && !HasFailure()) ++nth;
+  EXPECT_LE(nth, kMostAllocations);
+  RecordProperty("allocations", static_cast<int>(nth - 1));
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, AllocationSweep, testing::ValuesIn(fmdtest::all_operations()),
+                         [](const auto& tested) {
+                           std::string name = tested.param.name;
+                           std::replace(name.begin(), name.end(), '.', '_');
+                           return name;
+                         });
+
+// A write that memory fails says so and leaves no file, or it is complete all the same.
+class AllocationSweepOfWrites : public fmdtest::DatasetWrite {
+ protected:
+  QuietLog said;
+};
+
+TEST_P(AllocationSweepOfWrites, CompleteOrLeaveNoFile) {
+  ASSERT_TRUE(writes());
+  ASSERT_TRUE(writes());
+  const std::string whole = bytes();
+  const long descriptors = fmdtest::open_descriptors();
+  bool has_failed = true;
+  for (long nth = 1; has_failed && !HasFailure(); ++nth) {
+    SCOPED_TRACE("allocation " + std::to_string(nth));
+    remove();
+    said.errors.clear();
+    bool done = false;
+    {
+      const FailingAllocation failing(nth);
+      done = writes();
+    }
+    has_failed = fmd::allocation_has_failed();
+    fmd::fail_allocation(0);
+    EXPECT_EQ(is_there(), done);
+    EXPECT_TRUE(done || (has_failed && !said.errors.empty()));
+    if (done) {
+      EXPECT_EQ(bytes(), whole);
+    }
+    EXPECT_EQ(fmdtest::open_descriptors(), descriptors);
+    EXPECT_TRUE(writes()) << "afterwards";
+    EXPECT_EQ(bytes(), whole);
+    ASSERT_LT(nth, kMostAllocations);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Options, AllocationSweepOfWrites, fmdtest::write_options());
+
+// A name on a line of its own in the list of exports.
+std::set<std::string> exported_names() {
+  std::set<std::string> names;
+  std::ifstream map(FMDTOOLKIT_MAP_FILE);
+  const std::regex entry("\\s*([A-Za-z_][A-Za-z_0-9]*);");
+  std::smatch match;
+  for (std::string line; std::getline(map, line);)
+    if (std::regex_match(line, match, entry)) names.insert(match[1]);
+  return names;
+}
+
+TEST(AllocationSweepTable, HasEveryExportedOperationAndNoOther) {
+  std::set<std::string> swept;
+  for (const Operation& operation : fmdtest::all_operations()) {
+    const std::string name = operation.name;
+    swept.insert(name.substr(0, name.find('.')));
+  }
+  EXPECT_GT(exported_names().size(), 100U);
+  EXPECT_EQ(swept, exported_names());
+}
+
+TEST(AllocationSweepTable, CountsTheAllocationsOfContainersToo) {
+  bool has_thrown = false;
+  {
+    const FailingAllocation failing(2);
+    try {
+      const std::vector<int> first(10);
+      const std::vector<int> second(10);
+    } catch (const std::bad_alloc&) {
+      has_thrown = true;
+    }
+  }
+  EXPECT_TRUE(has_thrown);
+  EXPECT_TRUE(fmd::allocation_has_failed());
+  fmd::fail_allocation(0);
+}
+
+}  // namespace
