@@ -7,10 +7,9 @@
 #include <set>
 #include <string>
 
-#include "faults/counted_allocations.h"
 #include "faults/dataset_write.h"
+#include "faults/failing_allocation.h"
 #include "faults/operations.h"
-#include "messages/memory.h"
 #include "support/session.h"
 
 namespace {
@@ -25,8 +24,7 @@ constexpr long kMostAllocations = 5000;
 
 enum class Outcome { kSucceeded, kFailed, kThrew };
 
-Outcome try_with_failing_allocation(const Operation& operation, Scene& scene, long nth) {
-  const FailingAllocation failing(nth);
+Outcome try_to_run(const Operation& operation, Scene& scene) {
   try {
     return operation.run(scene) ? Outcome::kSucceeded : Outcome::kFailed;
   } catch (...) {
@@ -51,10 +49,10 @@ class AllocationSweep : public fmdtest::SessionTest, public testing::WithParamIn
     const long descriptors = fmdtest::open_descriptors();
     Scene scene;
     operation.prepare(scene);
-    said.errors.clear();
-    const Outcome outcome = try_with_failing_allocation(operation, scene, nth);
-    const bool has_failed = fmd::allocation_has_failed();
-    fmd::fail_allocation(0);
+    said.clear();
+    FailingAllocation failing(nth);
+    const Outcome outcome = try_to_run(operation, scene);
+    const bool has_failed = failing.end();
     EXPECT_NE(outcome, Outcome::kThrew) << "an exception crossed the interface";
     if (!has_failed) {
       EXPECT_EQ(outcome, Outcome::kSucceeded) << "although no allocation failed";
@@ -71,17 +69,18 @@ class AllocationSweep : public fmdtest::SessionTest, public testing::WithParamIn
   }
 
   bool has_told_of_memory() const {
-    return std::any_of(said.errors.begin(), said.errors.end(), tells_of_memory);
+    const std::vector<std::string> errors = said.errors();
+    return std::any_of(errors.begin(), errors.end(), tells_of_memory);
   }
 
   void check_failure(const Operation& operation, Scene& scene) {
     if (operation.failure == Failure::kReported) {
-      EXPECT_TRUE(has_told_of_memory()) << testing::PrintToString(said.errors);
+      EXPECT_TRUE(has_told_of_memory()) << testing::PrintToString(said.errors());
     }
     if (!operation.repeats) return;
-    said.errors.clear();
+    said.clear();
     EXPECT_TRUE(operation.run(scene)) << "with memory again";
-    EXPECT_THAT(said.errors, testing::IsEmpty());
+    EXPECT_THAT(said.errors(), testing::IsEmpty());
   }
 
   QuietLog said;
@@ -116,16 +115,12 @@ TEST_P(AllocationSweepOfWrites, CompleteOrLeaveNoFile) {
   for (long nth = 1; has_failed && !HasFailure(); ++nth) {
     SCOPED_TRACE("allocation " + std::to_string(nth));
     remove();
-    said.errors.clear();
-    bool done = false;
-    {
-      const FailingAllocation failing(nth);
-      done = writes();
-    }
-    has_failed = fmd::allocation_has_failed();
-    fmd::fail_allocation(0);
+    said.clear();
+    FailingAllocation failing(nth);
+    const bool done = writes();
+    has_failed = failing.end();
     EXPECT_EQ(is_there(), done);
-    EXPECT_TRUE(done || (has_failed && !said.errors.empty()));
+    EXPECT_TRUE(done || (has_failed && !said.errors().empty()));
     if (done) {
       EXPECT_EQ(bytes(), whole);
     }
@@ -161,18 +156,15 @@ TEST(AllocationSweepTable, HasEveryExportedOperationAndNoOther) {
 
 TEST(AllocationSweepTable, CountsTheAllocationsOfContainersToo) {
   bool has_thrown = false;
-  {
-    const FailingAllocation failing(2);
-    try {
-      const std::vector<int> first(10);
-      const std::vector<int> second(10);
-    } catch (const std::bad_alloc&) {
-      has_thrown = true;
-    }
+  FailingAllocation failing(2);
+  try {
+    const std::vector<int> first(10);
+    const std::vector<int> second(10);
+  } catch (const std::bad_alloc&) {
+    has_thrown = true;
   }
+  EXPECT_TRUE(failing.end());
   EXPECT_TRUE(has_thrown);
-  EXPECT_TRUE(fmd::allocation_has_failed());
-  fmd::fail_allocation(0);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "faults/counted_allocations.h"
+#include "faults/failing_allocation.h"
 #include "faults/operations.h"
 #include "fmdtoolkit/extensions.h"
 #include "services/units.h"
