@@ -122,12 +122,6 @@ Status parse_commands(const char* text, std::vector<Command>& commands) {
   return Parser(text).commands(commands) ? kOk : kBadCommand;
 }
 
-const Item* find_item(const Command& command, const char* name) {
-  for (const Item& item : command)
-    if (item.name == name) return &item;
-  return nullptr;
-}
-
 bool parse_integer(const std::string& text, std::int32_t& value) {
   if (text.empty() || text.find_first_not_of("+-0123456789") != std::string::npos) return false;
   char* end = nullptr;

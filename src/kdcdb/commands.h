@@ -37,9 +37,6 @@ using Command = std::vector<Item>;
 // kBadCommand for a text outside the grammar.
 Status parse_commands(const char* text, std::vector<Command>& commands);
 
-// The item of that name, or null.
-const Item* find_item(const Command& command, const char* name);
-
 // The whole of a text as a 32-bit integer.
 bool parse_integer(const std::string& text, std::int32_t& value);
 

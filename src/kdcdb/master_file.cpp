@@ -20,8 +20,20 @@ std::uint64_t random_id() {
   return id;
 }
 
+// Whether a file system cannot do something at all; naming an unnamed file needs the process file system too.
 bool has_no_such_call(int error) {
-  return error == EOPNOTSUPP || error == EISDIR || error == EINVAL || error == EPERM || error == ENOSYS;
+  return error == ENOENT || error == EOPNOTSUPP || error == EISDIR || error == EINVAL || error == EPERM ||
+         error == ENOSYS;
+}
+
+// Moves a file to a name that nobody has: by links, or where files can have one name only, by renaming.
+bool move_to_new_name(const char* from, const char* to) {
+  fmd::FileSystem& system = fmd::file_system();
+  if (system.link(from, to) == 0) {
+    system.unlink(from);
+    return true;
+  }
+  return has_no_such_call(errno) && system.rename_new(from, to) == 0;
 }
 
 Status flush_directory(const std::string& path) {
@@ -47,13 +59,12 @@ Status MasterFile::create(const char* path, bool lasting) {
   const std::string directory = directory_of(path);
   std::string other_name = std::string(path) + "_XXXXXX";
   file_ = system.open(directory.c_str(), O_TMPFILE | O_RDWR, 0666);
-  Status status;
-  if (file_ >= 0) {
-    status = create_unnamed(path, lasting);
-  } else if (has_no_such_call(errno)) {
+  int error = errno;
+  Status status = status_of_error(error);
+  if (file_ >= 0) status = create_unnamed(path, lasting, error);
+  if (status != kOk && has_no_such_call(error)) {
+    close();
     status = create_under_another_name(other_name.data(), path, lasting);
-  } else {
-    return status_of_error(errno);
   }
   if (status == kOk && lasting) {
     status = flush_directory(directory);
@@ -63,10 +74,12 @@ Status MasterFile::create(const char* path, bool lasting) {
   return status;
 }
 
-Status MasterFile::create_unnamed(const char* path, bool lasting) {
+Status MasterFile::create_unnamed(const char* path, bool lasting, int& error) {
+  error = 0;
   const Status status = write_new(lasting);
-  if (status != kOk) return status;
-  return fmd::file_system().linkat(file_, path) == 0 ? kOk : status_of_error(errno);
+  if (status != kOk || fmd::file_system().linkat(file_, path) == 0) return status;
+  error = errno;
+  return status_of_error(error);
 }
 
 Status MasterFile::create_under_another_name(char* other_name, const char* path, bool lasting) {
@@ -74,8 +87,8 @@ Status MasterFile::create_under_another_name(char* other_name, const char* path,
   file_ = system.mkstemp(other_name);
   if (file_ < 0) return status_of_error(errno);
   Status status = write_new(lasting);
-  if (status == kOk && system.link(other_name, path) != 0) status = status_of_error(errno);
-  system.unlink(other_name);
+  if (status == kOk && !move_to_new_name(other_name, path)) status = status_of_error(errno);
+  if (status != kOk) system.unlink(other_name);
   return status;
 }
 

@@ -29,7 +29,7 @@ class MasterFile {
   void close();
 
  private:
-  Status create_unnamed(const char* path, bool lasting);
+  Status create_unnamed(const char* path, bool lasting, int& error);
   Status create_under_another_name(char* other_name, const char* path, bool lasting);
   Status write_new(bool lasting);
   Status lock();

@@ -52,6 +52,9 @@ int FileSystem::linkat(int file, const char* to) {
   std::snprintf(from, sizeof from, "/proc/self/fd/%d", file);
   return ::linkat(AT_FDCWD, from, AT_FDCWD, to, AT_SYMLINK_FOLLOW);
 }
+int FileSystem::rename_new(const char* from, const char* to) {
+  return ::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
+}
 int FileSystem::mkstemp(char* path_template) {
   return ::mkostemp(path_template, O_CLOEXEC);
 }

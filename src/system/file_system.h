@@ -33,7 +33,8 @@ class FileSystem {
   virtual int stat(const char* path, struct stat* status);
   virtual int unlink(const char* path);
   virtual int link(const char* from, const char* to);
-  virtual int linkat(int file, const char* to);  // gives an unnamed file a name
+  virtual int linkat(int file, const char* to);              // gives an unnamed file a name
+  virtual int rename_new(const char* from, const char* to);  // fails where there is a file of the new name
   virtual int mkstemp(char* path_template);
   virtual int lock(int file, int command, struct flock* range);  // open-file-description locks
   virtual char* realpath(const char* path, char* resolved);

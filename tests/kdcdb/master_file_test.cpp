@@ -272,4 +272,41 @@ TEST_F(MasterFileTest, IsMadeUnderAnotherNameWhereFilesNeedOne) {
   EXPECT_EQ(entries(), 1U);
 }
 
+TEST_F(MasterFileTest, IsMadeWhereFilesHaveOneNameOnly) {
+  class ForeignFileSystem : public fmdtest::FailingFileSystem {
+   public:
+    int open(const char* file, int flags, mode_t mode) override {
+      if ((flags & O_TMPFILE) != O_TMPFILE) return FailingFileSystem::open(file, flags, mode);
+      errno = EOPNOTSUPP;
+      return -1;
+    }
+    int link(const char*, const char*) override {
+      errno = EPERM;
+      return -1;
+    }
+  } foreign;
+  make();
+  EXPECT_EQ(entries(), 1U);
+  EXPECT_EQ(open(), kdcdb::kOk);
+  MasterFile again;
+  EXPECT_EQ(again.create(path().c_str(), false), kdcdb::kExists);
+  EXPECT_EQ(entries(), 1U);
+}
+
+TEST_F(MasterFileTest, IsMadeWithoutTheProcessFileSystemToo) {
+  class BareFileSystem : public fmdtest::FailingFileSystem {
+   public:
+    int linkat(int, const char*) override {
+      errno = ENOENT;
+      return -1;
+    }
+  } bare;
+  make();
+  EXPECT_EQ(entries(), 1U);
+  EXPECT_EQ(open(), kdcdb::kOk);
+  std::filesystem::remove(path());
+  MasterFile nowhere;
+  EXPECT_EQ(nowhere.create((directory.path() / "missing" / "x.MASTER").c_str(), false), kdcdb::kNoFile);
+}
+
 }  // namespace

@@ -243,6 +243,19 @@ TEST_F(ScratchFileTest, LeavesNoNameInTheDirectory) {
   EXPECT_EQ(nowhere.create((directory.path() / "missing" / "base").string()), kdcdb::kNoFile);
 }
 
+TEST_F(ScratchFileTest, IsNotMadeWhereItsNameCannotBeTakenAway) {
+  class ClingingFileSystem : public PlainFileSystem {
+   public:
+    int unlink(const char*) override {
+      errno = EIO;
+      return -1;
+    }
+  } clinging;
+  PageCache cache(1);
+  ScratchFile file(cache);
+  EXPECT_EQ(file.create(path()), kdcdb::kInputOutput);
+}
+
 TEST_F(ScratchFileTest, ClearedFileReadsAsZeroAgain) {
   PageCache cache(2);
   ScratchFile file(cache);

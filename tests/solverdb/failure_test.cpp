@@ -141,14 +141,30 @@ TEST_F(SessionFailureTest, EveryFailedAllocationIsToldAndHarmsNothingElse) {
   EXPECT_GT(nth, 10);
 }
 
-// The host ignores the signal that comes with the limit; the library touches no signal.
+// A limit on file sizes, as long as the object lives. The host ignores the signal that comes with it; the
+// library touches no signal.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : disposition_(signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &old_);
+    const rlimit limit{bytes, old_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &old_);
+    signal(SIGXFSZ, disposition_);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  rlimit old_{};
+  void (*disposition_)(int);
+};
+
 TEST_F(SessionFailureTest, FileSizeLimitIsToldAtTheWriteThatMeetsIt) {
   ASSERT_EQ(DB_StartBase(), 1);
-  rlimit old{};
-  getrlimit(RLIMIT_FSIZE, &old);
-  const auto disposition = signal(SIGXFSZ, SIG_IGN);
-  const rlimit limit{100000, old.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &limit);
+  const FileSizeLimit limit(100000);
   FmdStream stream{};
   stream.DoublePrecision = 1;
   stream.Block = DB_OpenScratch(&stream.Key);
@@ -162,8 +178,15 @@ TEST_F(SessionFailureTest, FileSizeLimitIsToldAtTheWriteThatMeetsIt) {
   DB_FRESTORE(&start, stream);
   EXPECT_EQ(DB_ReadDOUBLEs(stream, room.data(), 10000), 1);
   EXPECT_EQ(room[9999], 0.5);
-  setrlimit(RLIMIT_FSIZE, &old);
-  signal(SIGXFSZ, disposition);
+}
+
+TEST_F(SessionFailureTest, FileSizeLimitThatNoMasterFileFitsStartsNothing) {
+  {
+    const FileSizeLimit limit(1000);
+    EXPECT_EQ(DB_StartBase(), 0);
+    EXPECT_EQ(files(), 0U);
+  }
+  EXPECT_EQ(DB_StartBase(), 1);
 }
 
 TEST_F(SessionFailureTest, KilledProcessLeavesItsThreeFilesAndInNobodysWay) {
