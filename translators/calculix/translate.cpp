@@ -1,0 +1,160 @@
+#include "calculix/translate.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <memory>
+
+#include "calculix/faces.h"
+#include "calculix/input_error.h"
+#include "calculix/lumping.h"
+#include "calculix/model.h"
+
+namespace calculix {
+
+namespace {
+
+constexpr double two_pi = 6.28318530718;  // the toolkit's own digits, so that frequencies come back as given
+
+struct BodyRelease {
+  void operator()(FmdBody* body) const { FMD_UnLink(body); }
+};
+
+using BodyPointer = std::unique_ptr<FmdBody, BodyRelease>;
+
+void require(int result, const char* what) {
+  if (result == 0) throw ToolkitError(std::string("the toolkit could not ") + what);
+}
+
+void set_header(FmdBody* body, const Model& model) {
+  const std::string& used = model.contents.program;
+  std::string title = model.title;
+  std::string name = std::filesystem::path(model.job.results).filename().string();
+  std::string type = "CalculiX";
+  std::string program = used.empty() ? "" : "Results of CalculiX " + used;
+  std::string deck = "Deck " + std::filesystem::path(model.job.deck).filename().string();
+  std::string comment = model.job.comment;
+  require(FMD_SetHeader(body, title.data(), name.data(), type.data(), program.data(), deck.data(),
+                        comment.data()),
+          "set the header");
+}
+
+// The toolkit answers nothing, but what it did not take is not there afterwards.
+void set_units(FmdBody* body, Units units) {
+  FMD_SetUnits(body, units.mass.data(), units.length.data(), units.time.data(), units.force.data());
+  constexpr std::size_t label_size = 16;
+  char set[4][label_size];
+  FMD_Units(body, set[0], set[1], set[2], set[3]);
+  const bool taken =
+      units.mass == set[0] && units.length == set[1] && units.time == set[2] && units.force == set[3];
+  if (!taken || !(FMD_UCF(body) > 0.0)) throw ToolkitError("the toolkit could not set the units");
+}
+
+void set_nodes(FmdBody* body, const Mesh& mesh, const std::vector<double>& masses) {
+  for (std::size_t i = 0; i < mesh.node_ids.size(); ++i) {
+    const Point& at = mesh.points[i];
+    require(FMD_SetNodeCoordinates(body, mesh.node_ids[i], at[0], at[1], at[2]), "add a node");
+    require(FMD_SetNodalMass(body, mesh.node_ids[i], masses[i]), "set a nodal mass");
+  }
+}
+
+void set_faces(FmdBody* body, const Mesh& mesh) {
+  for (const Face& face : outer_faces(mesh)) {
+    std::array<int, largest_face> ids{};
+    for (std::size_t i = 0; i < static_cast<std::size_t>(face.corners); ++i) {
+      ids[i] = mesh.node_ids[static_cast<std::size_t>(face.nodes[i])];
+    }
+    require(FMD_SetFaceList(body, face.corners, ids.data()), "add a face");
+  }
+}
+
+// The modes have unit modal mass, so that the generalized stiffness is the eigenvalue.
+void set_modes(FmdBody* body, const std::vector<Mode>& modes) {
+  const double factor = FMD_UCF(body);
+  for (const Mode& mode : modes) {
+    const double omega = two_pi * mode.hertz;
+    require(FMD_SetGeneralizedMass(body, mode.number, mode.number, 1.0), "set a generalized mass");
+    require(FMD_SetGeneralizedStiffness(body, mode.number, mode.number, omega * omega / factor),
+            "set a generalized stiffness");
+  }
+}
+
+void set_vector(FmdBody* body, const Mesh& mesh, const ModeVector& vector) {
+  constexpr int shape = 0;
+  constexpr int stress = 1;
+  const int type = vector.quantity == Quantity::displacement ? shape : stress;
+  for (std::size_t i = 0; i < vector.nodes.size(); ++i) {
+    const int id = mesh.node_ids[static_cast<std::size_t>(vector.nodes[i])];
+    double values[6];
+    std::copy_n(vector.values.begin() + static_cast<std::ptrdiff_t>(6 * i), 6, values);
+    require(FMD_SetModeVec(body, vector.mode->number, id, type, values), "store a mode");
+  }
+}
+
+std::vector<double> nodal_masses(const Job& job, const FrdContents& contents, const Deck& deck) {
+  const Mesh& mesh = contents.mesh;
+  const std::vector<double> densities = element_densities(mesh, job.results, deck, job.density);
+  std::vector<double> masses(mesh.node_ids.size(), 0.0);
+  const int bad = lump_masses(mesh, densities, masses);
+  if (bad >= 0) {
+    const Element& element = mesh.elements[static_cast<std::size_t>(bad)];
+    static const char* const measures[] = {"length", "area", "volume"};
+    throw InputError(job.results, element.line,
+                     std::string("expected a positive ") + measures[element.type->dimension - 1] +
+                         " of element " + std::to_string(element.id));
+  }
+  add_point_masses(deck, contents, masses);
+  return masses;
+}
+
+InputError skipped_note(const Job& job, const FrdContents& contents) {
+  return InputError(job.results, contents.first_skipped_line,
+                    "skipped " + std::to_string(contents.skipped_datasets) +
+                        " dataset(s) that belong to no frequency analysis");
+}
+
+// A progress handler of one step.
+FractionHandler step(const ProgressHandler& progress, const char* name) {
+  return [&progress, name](double fraction) {
+    if (progress) progress(name, fraction);
+  };
+}
+
+}  // namespace
+
+Model read_model(const Job& job, const ProgressHandler& progress) {
+  const Deck deck = read_deck(job.deck);
+  Model model;
+  model.job = job;
+  model.contents = read_frd(job.results, step(progress, "Reading mesh"));
+  model.title = deck.title.empty() ? model.contents.title : deck.title;
+  take_deck_coordinates(model.contents.mesh, job.results, deck);
+  model.masses = nodal_masses(job, model.contents, deck);
+  for (const std::string& name : job.interface_nodes) {
+    const std::vector<int> ids = interface_node_ids(name, deck, model.contents, job.results);
+    model.interface_ids.insert(model.interface_ids.end(), ids.begin(), ids.end());
+  }
+  if (model.contents.skipped_datasets > 0) model.notes.push_back(skipped_note(job, model.contents));
+  return model;
+}
+
+FmdBody* make_body(const Model& model, const ProgressHandler& progress) {
+  const Mesh& mesh = model.contents.mesh;
+  BodyPointer body(
+      FMD_Create(static_cast<int>(mesh.node_ids.size()), static_cast<int>(model.contents.modes.size())));
+  if (body == nullptr) throw ToolkitError("the toolkit could not make a body");
+  set_header(body.get(), model);
+  set_units(body.get(), model.job.units);
+  set_nodes(body.get(), mesh, model.masses);
+  set_faces(body.get(), mesh);
+  for (const int id : model.interface_ids)
+    require(FMD_SetInterfaceNode(body.get(), id), "mark an interface node");
+  set_modes(body.get(), model.contents.modes);
+  read_mode_vectors(
+      model.job.results, model.contents,
+      [&](const ModeVector& vector) { set_vector(body.get(), mesh, vector); },
+      step(progress, "Reading modes"));
+  return body.release();
+}
+
+}  // namespace calculix

@@ -1,0 +1,62 @@
+// From the results and the deck of a CalculiX job to a flexible body.
+#ifndef FMDTOOLKIT_CALCULIX_TRANSLATE_H
+#define FMDTOOLKIT_CALCULIX_TRANSLATE_H
+
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "calculix/frd_reader.h"
+#include "calculix/input_error.h"
+#include "fmdtoolkit/fmdtoolkit.h"
+
+namespace calculix {
+
+struct Units {
+  std::string mass = "MEGAGRAM";
+  std::string length = "MILLIMETER";
+  std::string time = "SECOND";
+  std::string force = "NEWTON";
+};
+
+struct Job {
+  std::string results;                       // .frd, plain or gzipped
+  std::string deck;                          // .inp
+  std::optional<double> density;             // goes before the deck's
+  Units units;                               // of the deck
+  std::vector<std::string> interface_nodes;  // names of node sets or of files with ids
+  std::string comment;                       // for the header
+};
+
+// The toolkit refused something; its message has told what.
+class ToolkitError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Told now and then: the step that runs and how far it is, 0 to 1.
+using ProgressHandler = std::function<void(const char* step, double fraction)>;
+
+// All that the input says, checked, but for the values of the modes.
+struct Model {
+  Job job;
+  std::string title;
+  FrdContents contents;
+  std::vector<double> masses;  // per node
+  std::vector<int> interface_ids;
+  std::vector<InputError> notes;  // what the user should know, though nothing is wrong
+};
+
+// Reads deck and results once. Throws InputError.
+Model read_model(const Job& job, const ProgressHandler& progress);
+
+// Makes a body, which is the caller's to release, and reads the values of the modes into it. Message handlers
+// are installed and KXI_KADCDB_DIR is set. Throws InputError for what is wrong with the results, ToolkitError
+// when the toolkit refuses; no body is left then.
+FmdBody* make_body(const Model& model, const ProgressHandler& progress);
+
+}  // namespace calculix
+
+#endif
