@@ -1,0 +1,103 @@
+// fmdtool: translates finite-element results into Flexible Modal Datasets.
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "translate_command.h"
+#include "unit_labels.h"
+
+namespace {
+
+constexpr const char* example =
+    "Example:\n"
+    "  fmdtool translate calculix bracket_free.frd.gz --deck bracket_free.inp \\\n"
+    "      --interface-nodes P_HOLE_B1,P_HOLE_B2 -o bracket.fmd\n";
+
+constexpr const char* calculix_footer =
+    "The units are those of the deck; a dataset only carries their names. The density comes from\n"
+    "the deck's materials unless --density is given.\n"
+    "\n"
+    "Example:\n"
+    "  fmdtool translate calculix bracket_free.frd.gz --deck bracket_free.inp \\\n"
+    "      --units MEGAGRAM,MILLIMETER,SECOND,NEWTON --interface-nodes P_HOLE_B1,P_HOLE_B2 \\\n"
+    "      --option \"single lowpass(10000)\" -o bracket.fmd\n";
+
+void add_calculix_command(CLI::App& translate, fmdtool::TranslateRequest& request, double& density,
+                          std::vector<std::string>& options) {
+  CLI::App& command = *translate.add_subcommand(
+      "calculix", "Translate CalculiX eigenmodes into a Flexible Modal Dataset and tell what is in it");
+  command.footer(calculix_footer);
+  command.add_option("results", request.job.results, "Results in text form, JOB.frd or JOB.frd.gz")
+      ->required()
+      ->type_name("JOB.frd");
+  command.add_option("--deck", request.job.deck, "Input deck of the job [JOB.inp beside the results]")
+      ->type_name("JOB.inp");
+  command.add_option("-o,--output", request.output, "Dataset to write [JOB.fmd in the current directory]")
+      ->type_name("OUT.fmd");
+  command.add_option("--density", density, "Density of all elements, instead of the deck's")
+      ->check(CLI::Validator(
+          [](const std::string& text) {
+            char* end = nullptr;
+            const double value = std::strtod(text.c_str(), &end);
+            const bool good = *end == '\0' && !text.empty() && value > 0.0 && std::isfinite(value);
+            return good ? std::string() : "expected a number above 0, found \"" + text + "\"";
+          },
+          ""))
+      ->type_name("NUMBER");
+  command
+      .add_option_function<std::string>(
+          "--units", [&request](const std::string& text) { fmdtool::parse_units(text, request.job.units); },
+          "Units of the deck [MEGAGRAM,MILLIMETER,SECOND,NEWTON]")
+      ->check(CLI::Validator(
+          [](const std::string& text) {
+            calculix::Units units;
+            return fmdtool::parse_units(text, units);
+          },
+          ""))
+      ->type_name("MASS,LENGTH,TIME,FORCE");
+  command
+      .add_option("--interface-nodes", request.job.interface_nodes,
+                  "Interface nodes: names of node sets of the deck or of files with node ids; several with "
+                  "commas between them, or the option again")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->type_name("SET|FILE");
+  command
+      .add_option(
+          "--option", options,
+          "Options of the dataset writer, such as single, no_xdr or lowpass(1000); may be given again "
+          "[environment variable KXI_FMDWRITE_OPTIONS]")
+      ->allow_extra_args(false)
+      ->type_name("TEXT");
+  command.add_flag("--json", request.json, "Print JSON instead of a table");
+  command.add_flag("--verbose", request.verbose, "Show all messages of the toolkit");
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  CLI::App app(
+      "Flexible bodies for multibody dynamics: makes Flexible Modal Datasets from finite-element results");
+  app.name("fmdtool");
+  app.footer(std::string("`fmdtool translate calculix --help` tells the options of a translation.\n\n") +
+             example);
+  app.set_version_flag("--version", "fmdtool " FMDTOOL_VERSION, "Print the version and exit");
+  app.require_subcommand(1);
+  CLI::App& translate = *app.add_subcommand("translate", "Translate the results of a finite-element program");
+  translate.require_subcommand(1);
+  translate.footer(example);
+
+  fmdtool::TranslateRequest request;
+  request.job.comment = "Translated by fmdtool " FMDTOOL_VERSION;
+  double density = 0.0;
+  std::vector<std::string> options;
+  add_calculix_command(translate, request, density, options);
+  CLI11_PARSE(app, count, arguments);
+
+  if (density > 0.0) request.job.density = density;
+  for (const std::string& option : options) {
+    request.write_options += (request.write_options.empty() ? "" : " ") + option;
+  }
+  return fmdtool::translate_calculix(request);
+}

@@ -1,0 +1,144 @@
+#include "translate_command.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+
+#include "console.h"
+#include "output_file.h"
+#include "report.h"
+#include "workspace.h"
+
+namespace fmdtool {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* options_variable = "KXI_FMDWRITE_OPTIONS";
+
+// The body, and the session that comes with it.
+class Session {
+ public:
+  explicit Session(FmdBody* body) : body_(body) {}
+  ~Session() { FMD_Terminate(); }
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+  FmdBody* body() const { return body_; }
+
+ private:
+  FmdBody* body_;
+};
+
+// JOB of JOB.frd and JOB.frd.gz, with the directory.
+fs::path job_name(const fs::path& results) {
+  fs::path name = results;
+  if (name.extension() == ".gz") name.replace_extension();
+  if (name.extension() == ".frd") name.replace_extension();
+  return name;
+}
+
+std::string with_ending(const fs::path& name, const char* ending) {
+  return name.string() + ending;
+}
+
+// Fills in the names left out. Paths become absolute, since the work is done in another directory.
+void complete(TranslateRequest& request) {
+  const fs::path results = fs::absolute(request.job.results);
+  const fs::path name = job_name(results);
+  if (request.output.empty()) request.output = with_ending(name.filename(), ".fmd");
+  if (request.job.deck.empty()) {
+    request.job.deck = with_ending(name, ".inp");
+    if (!fs::exists(request.job.deck)) {
+      throw calculix::InputError(request.job.deck, 0,
+                                 "expected the input deck of the job; name another one with --deck");
+    }
+  }
+  request.job.results = results.string();
+  request.job.deck = fs::absolute(request.job.deck).string();
+}
+
+void refuse_input_as_output(const TranslateRequest& request, const OutputFile& output) {
+  for (const std::string& input : {request.job.results, request.job.deck}) {
+    std::error_code error;
+    if (fs::equivalent(output.target(), input, error)) {
+      throw std::runtime_error(request.output + ": expected an output file that is not an input file");
+    }
+  }
+}
+
+// Paths below the directory from which the program was started are shown as seen from there.
+std::string shown(const std::string& path, const fs::path& from) {
+  const std::string prefix = from.string() + "/";
+  return path.rfind(prefix, 0) == 0 ? path.substr(prefix.size()) : path;
+}
+
+std::string shown(const calculix::InputError& error, const fs::path& from) {
+  return shown(error.file(), from) + ":" + (error.line() > 0 ? std::to_string(error.line()) + ":" : "") +
+         " " + error.text();
+}
+
+void write_dataset(FmdBody* body, OutputFile& output) {
+  std::string temporary = output.make_temporary();
+  if (FMD_write_FMD(body, temporary.data()) == 0) {
+    throw std::runtime_error(output.target().string() + ": the dataset was not written");
+  }
+  output.commit();
+}
+
+Report run(TranslateRequest& request, const fs::path& from) {
+  complete(request);
+  OutputFile output(request.output);
+  refuse_input_as_output(request, output);
+  if (!request.write_options.empty()) setenv(options_variable, request.write_options.c_str(), 1);
+  install_message_handlers(request.verbose);
+  const calculix::Model model = calculix::read_model(request.job, show_progress);
+  for (const calculix::InputError& note : model.notes) print_warning(shown(note, from));
+
+  Report report;
+  {
+    const Workspace workspace;
+    const Session session(calculix::make_body(model, show_progress));
+    show_progress("Writing", 1.0);
+    write_dataset(session.body(), output);
+    describe_body(session.body(), exported_modes(), report);
+  }
+  report.title = model.title;
+  report.results = shown(request.job.results, from);
+  report.deck = shown(request.job.deck, from);
+  report.dataset = shown(output.target().string(), from);
+  report.elements = static_cast<int>(model.contents.mesh.elements.size());
+  report.bytes = fs::file_size(output.target());
+  return report;
+}
+
+}  // namespace
+
+int translate_calculix(TranslateRequest request) {
+  const auto start = std::chrono::steady_clock::now();
+  fs::path from;
+  try {
+    from = fs::current_path();
+    watch_signals();
+    Report report = run(request, from);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    report.seconds = time.count();
+    clear_progress();
+    const std::string text = request.json ? as_json(report) : as_table(report);
+    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
+      throw std::runtime_error("cannot write to standard output");
+    }
+    return EXIT_SUCCESS;
+  } catch (const calculix::InputError& error) {
+    print_error(shown(error, from));
+  } catch (const std::bad_alloc&) {
+    print_error("out of memory");
+  } catch (const std::exception& error) {
+    print_error(error.what());
+  }
+  return EXIT_FAILURE;
+}
+
+}  // namespace fmdtool

@@ -1,0 +1,24 @@
+// fmdtool translate calculix
+#ifndef FMDTOOL_TRANSLATE_COMMAND_H
+#define FMDTOOL_TRANSLATE_COMMAND_H
+
+#include <string>
+
+#include "calculix/translate.h"
+
+namespace fmdtool {
+
+struct TranslateRequest {
+  calculix::Job job;   // paths as given; an empty deck stands for the one beside the results
+  std::string output;  // empty for the name of the results with the ending .fmd in the current directory
+  std::string write_options;
+  bool json = false;
+  bool verbose = false;
+};
+
+// The exit code; what goes wrong is reported.
+int translate_calculix(TranslateRequest request);
+
+}  // namespace fmdtool
+
+#endif
