@@ -242,6 +242,35 @@ TEST_F(ModeVectors, ADiskThatIsTooSmallShowsAtTheFirstWriteOfAType) {
   }
 }
 
+// Has room for a number of slots only.
+class SmallDisk : public fmd::FileSystem {
+ public:
+  explicit SmallDisk(int slots) : slots_(slots) { fmd::replace_file_system(this); }
+  ~SmallDisk() override { fmd::replace_file_system(nullptr); }
+  int fallocate(int file, int mode, off_t offset, off_t bytes) override {
+    if (slots_-- > 0) return FileSystem::fallocate(file, mode, offset, bytes);
+    errno = ENOSPC;
+    return -1;
+  }
+
+ private:
+  int slots_;
+};
+
+TEST_F(ModeVectors, TheSlotsThatWereMadeBeforeTheDiskWasFullCanBeUsed) {
+  FmdBody* body = FMD_Create(20000, 3);
+  {
+    SmallDisk disk(1);
+    EXPECT_EQ(FMD_SetModeVec(body, 1, 1, 0, six.data()), 0);
+  }
+  EXPECT_THAT(log.errors, ElementsAre(testing::StartsWith("Insufficient disk space")));
+  log.clear();
+  EXPECT_EQ(FMD_SetModeVec(body, 1, 1, 0, six.data()), 1);
+  EXPECT_EQ(FMD_SetModeVec(body, 2, 1, 0, six.data()), 0);
+  EXPECT_THAT(read_half(body, 1, 0, 0), ElementsAre(1.5, 2.5, 3.5)) << "the second mode went nowhere else";
+  EXPECT_THAT(log.all, ElementsAre("E:Couldn't seek to mode 2 node 1 position in temporary file"));
+}
+
 TEST_F(ModeVectors, AnUnreadableVectorIsReportedOnceAndClaimedAsLoaded) {
   FmdBody* body = make_body(3, 1, 1);
   set(body, 1, 1, 2);

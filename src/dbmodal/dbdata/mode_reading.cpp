@@ -45,13 +45,11 @@ bool read_stored_mode(FmdBody& body, int mode, int type, int double_precision, v
 bool copy_pseudo_mode_narrow(const FmdBody& body, int type, float* values) {
   const double* stored = type == kStress ? body.PreStress : body.PreStrain;
   if (stored == nullptr) return false;
-  const int given = type == kStress ? body.PreStressCapacity : body.PreStrainCapacity;
-  for (int node = 0; node < body.ModeNodeCount[type]; ++node, values += kValuesPerNode)
-    for (int entry = 0; entry < kValuesPerNode; ++entry)
-      values[entry] =
-          node < given
-              ? static_cast<float>(stored[static_cast<std::ptrdiff_t>(node) * kValuesPerNode + entry])
-              : 0.0F;
+  const std::int64_t wanted = std::int64_t{body.ModeNodeCount[type]} * kValuesPerNode;
+  const std::int64_t capacity = type == kStress ? body.PreStressCapacity : body.PreStrainCapacity;
+  const std::int64_t given = std::min(wanted, capacity * kValuesPerNode);
+  for (std::int64_t entry = 0; entry < given; ++entry) values[entry] = static_cast<float>(stored[entry]);
+  std::fill(values + given, values + wanted, 0.0F);
   return true;
 }
 
@@ -92,7 +90,7 @@ int FMD_ModeByNode(FmdBody* body, int mode, int type, int node, double* values, 
   const int place = FMD_ModeNodeIndex(body, type, node);
   if (place < 0) return 0;
   const double* row = body->ModeBuffer[type] + static_cast<std::ptrdiff_t>(place) * fmd::kValuesPerNode;
-  std::copy_n(row + 3 * part, 3, values);
+  std::copy_n(part == 0 ? row : row + 3, 3, values);
   fmd::cache_loaded_half(*body, mode, type, part);
   return 1;
 }

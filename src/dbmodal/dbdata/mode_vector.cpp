@@ -97,7 +97,7 @@ bool copy_pseudo_mode(const FmdBody& body, int type, double* values) {
 }
 
 void copy_half(const double* vector, int nodes, int part, double* half) {
-  const double* from = vector + 3 * part;
+  const double* from = part == 0 ? vector : vector + 3;
   for (int node = 0; node < nodes; ++node, from += kValuesPerNode, half += 3) {
     half[0] = from[0];
     half[1] = from[1];

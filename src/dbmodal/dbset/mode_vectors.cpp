@@ -62,9 +62,10 @@ bool write_values(FmdBody& body, int type, const double* values, int count) {
 
 int FMD_SetModeVec(FmdBody* body, int mode, int node, int type, double* values) {
   if (CheckFMD(body) == 0) return 0;
-  if (fmd::is_pseudo_mode(mode, type))
+  if (fmd::is_pseudo_mode(mode, type)) {
     return type == fmd::kStress ? FMD_SetPreStressVec(body, node, values)
                                 : FMD_SetPreStrainVec(body, node, values);
+  }
   fmd::ModePlace place;
   if (!fmd::find_place(*body, mode, node, type, place)) return 0;
   if (!fmd::seek_value(*body, type, place, 0)) {
