@@ -93,10 +93,12 @@ TEST_F(GeneralizedMatrices, AnIndexEqualToTheRecordCountFindsAnEmptyRecord) {
 
 TEST_F(GeneralizedMatrices, FlagsTellOfOffDiagonalsAndOtherMasses) {
   FMD_SetGeneralizedMass(body, 10, 10, 1.00000001);
-  EXPECT_EQ(body->ShouldMassNormalizeModes, std::fabs(1.0 - 1.00000001) > 1e-8 ? 1 : 0);
-  body->ShouldMassNormalizeModes = 0;
+  EXPECT_EQ(body->ShouldMassNormalizeModes, 0);
   FMD_SetGeneralizedMass(body, 10, 10, 1.000000005);
   EXPECT_EQ(body->ShouldMassNormalizeModes, 0);
+  FMD_SetGeneralizedMass(body, 10, 10, 0.99999997);
+  EXPECT_EQ(body->ShouldMassNormalizeModes, 1);
+  body->ShouldMassNormalizeModes = 0;
   FMD_SetGeneralizedMass(body, 20, 20, 1.1);
   EXPECT_EQ(body->ShouldMassNormalizeModes, 1);
   FMD_SetShouldMassNormalizeModes(body, 0);
@@ -217,6 +219,79 @@ TEST_F(GeneralizedMatrices, ModesAddedAfterATransformationHaveZeros) {
             (std::vector<double>{1, 2, 3, 0, 4, 5, 6, 0, 7, 8, 9, 0, 0, 0, 0, 0}));
 }
 
+TEST_F(GeneralizedMatrices, ATransformationSetAfterNewModesComposesWithWhatWasRead) {
+  double t[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
+  double identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+  FMD_SetTransformation(body, t);
+  FMD_AddMode(body, 40);
+  double before[16];
+  double after[16];
+  FMD_Transformation(body, before);
+  EXPECT_EQ(FMD_SetTransformation(body, identity), 1);
+  EXPECT_EQ(FMD_Transformation(body, after), 1);
+  EXPECT_EQ((std::vector<double>(after, after + 16)), (std::vector<double>(before, before + 16)));
+}
+
+TEST_F(GeneralizedMatrices, AFailedTransformationKeepsTheOneBefore) {
+  double first[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
+  double second[9] = {2, 0, 0, 0, 2, 0, 0, 0, 2};
+  double out[9] = {};
+  fmd::fail_allocation(1);
+  EXPECT_EQ(FMD_SetTransformation(body, first), 0);
+  EXPECT_EQ(FMD_Transformation(body, out), 0);
+  FMD_SetTransformation(body, first);
+  fmd::fail_allocation(1);
+  EXPECT_EQ(FMD_SetTransformation(body, second), 0);
+  fmd::fail_allocation(0);
+  EXPECT_TRUE(fmdtest::is_allocation_failure(log.errors.at(1), "dbset"));
+  EXPECT_EQ(FMD_Transformation(body, out), 1);
+  EXPECT_EQ((std::vector<double>(out, out + 9)), (std::vector<double>(first, first + 9)));
+}
+
+TEST_F(GeneralizedMatrices, ModesBeyondThePlanAreStoredAsNone) {
+  for (const int mode : {40, 50, 60, 70, 80}) FMD_AddMode(body, mode);
+  EXPECT_EQ(FMD_SetGeneralizedStiffness(body, 99, 99, 3.0), 1);
+  EXPECT_EQ(log.errors.size(), 2U);  // row and column are looked up apart
+  EXPECT_EQ(body->HasOffDiagonalGenMatrix, 0);
+  EXPECT_EQ(FMD_SetGeneralizedStiffness(body, 10, 10, 4.0), 1);
+  double k = 0.0;
+  EXPECT_EQ(FMD_Eigenvalue(body, 10, nullptr, nullptr, nullptr, nullptr, &k), 1);
+  EXPECT_EQ(k, 4.0);
+  EXPECT_EQ(FMD_SetGeneralizedStiffness(body, 20, 99, 5.0), 1);
+  EXPECT_EQ(body->HasOffDiagonalGenMatrix, 1);
+  double values[3];
+  int rows[3];
+  int columns[3];
+  EXPECT_EQ(FMD_GenStiffSparse(body, values, rows, columns), 1);
+  EXPECT_EQ((std::vector<int>(rows, rows + 3)), (std::vector<int>{-1, 0, 1}));
+  EXPECT_EQ((std::vector<int>(columns, columns + 3)), (std::vector<int>{-1, 0, -1}));
+  std::vector<double> expected(64, 0.0);
+  expected[0] = 4.0;
+  EXPECT_EQ(full(FMD_GenStiffFull, 8), expected);
+  double selection[1];
+  double* row = selection;
+  int selected[] = {10};
+  EXPECT_EQ(FMD_GenStiffSelected(body, &row, 1, selected), 1);
+  EXPECT_EQ(selection[0], 4.0);
+}
+
+TEST_F(GeneralizedMatrices, FrequenciesTakeTheUnitsIntoAccount) {
+  char mass[] = "KILOGRAM";
+  char length[] = "MILLIMETER";
+  char time[] = "SECOND";
+  char force[] = "NEWTON";
+  FMD_SetUnits(body, mass, length, time, force);
+  FMD_SetGeneralizedMass(body, 10, 10, 10.0);
+  FMD_SetGeneralizedStiffness(body, 10, 10, 36.0);
+  double eigenvalue = 0.0;
+  double hertz = 0.0;
+  double radians = 0.0;
+  EXPECT_EQ(FMD_Eigenvalue(body, 10, &eigenvalue, &hertz, &radians, nullptr, nullptr), 1);
+  EXPECT_EQ(eigenvalue, 3.6);
+  EXPECT_DOUBLE_EQ(radians, 60.0);  // 36 N/mm are 36000 N/m
+  EXPECT_DOUBLE_EQ(hertz, 60.0 / kTwoPi);
+}
+
 TEST_F(GeneralizedMatrices, ListsGrowByAHundred) {
   for (int entry = 0; entry < 250; ++entry) FMD_SetGeneralizedMass(body, 10, 10, entry);
   EXPECT_EQ(FMD_NumberOfGenMass(body), 250);
@@ -239,6 +314,25 @@ TEST_F(GeneralizedMatrices, AFailedEntryIsCountedButNamesNoMode) {
   double mass = 0.0;
   EXPECT_EQ(FMD_Eigenvalue(body, 10, nullptr, nullptr, nullptr, &mass, nullptr), 1);
   EXPECT_EQ(mass, 6.0);
+}
+
+TEST_F(GeneralizedMatrices, AFailedGrowthLeavesAHoleThatNamesNoMode) {
+  for (int entry = 0; entry < 99; ++entry) FMD_SetGeneralizedDamping(body, 10, 10, entry);
+  fmd::fail_allocation(1);
+  EXPECT_EQ(FMD_SetGeneralizedDamping(body, 10, 10, 5.0), 0);
+  fmd::fail_allocation(1);
+  EXPECT_EQ(FMD_SetGeneralizedDamping(body, 10, 10, 5.0), 0);
+  fmd::fail_allocation(0);
+  EXPECT_EQ(FMD_NumberOfGenDamp(body), 101);
+  std::vector<double> values(101);
+  std::vector<int> rows(101);
+  std::vector<int> columns(101);
+  EXPECT_EQ(FMD_GenDampSparse(body, values.data(), rows.data(), columns.data()), 1);
+  EXPECT_EQ(values[98], 98.0);
+  EXPECT_EQ(rows[99], -1);
+  EXPECT_EQ(rows[100], -1);
+  EXPECT_EQ(FMD_SetGeneralizedDamping(body, 20, 20, 7.0), 1);
+  EXPECT_EQ(full(FMD_GenDampFull, 3), (std::vector<double>{98, 0, 0, 0, 7, 0, 0, 0, 0}));
 }
 
 TEST_F(GeneralizedMatrices, FailedAllocationsInReadingAreSilent) {

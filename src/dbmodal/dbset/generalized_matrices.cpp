@@ -27,15 +27,16 @@ int append(FmdMatrixEntry*& entries, std::int32_t& count, std::int32_t& capacity
   return 1;
 }
 
-// new = old t, formed row by row
-void multiply_from_the_right(double* old, const double* t, double* row, int order, int stride) {
-  for (int r = 0; r < order; ++r) {
-    double* const from = old + std::int64_t{r} * stride;
-    std::fill_n(row, order, 0.0);
-    for (int k = 0; k < order; ++k) {
-      for (int c = 0; c < order; ++c) row[c] += from[k] * t[std::int64_t{k} * order + c];
+// product = old t, with the rows and columns that the old matrix lacks taken as zeros
+void compose(const double* old, int old_order, const double* t, int order, double* product) {
+  const int known = std::min(old_order, order);
+  for (int r = 0; r < known; ++r) {
+    const double* const from = old + std::int64_t{r} * old_order;
+    double* const row = product + std::int64_t{r} * order;
+    for (int k = 0; k < known; ++k) {
+      const double* const factors = t + std::int64_t{k} * order;
+      for (int c = 0; c < order; ++c) row[c] += from[k] * factors[c];
     }
-    std::copy_n(row, order, from);
   }
 }
 
@@ -83,17 +84,15 @@ void FMD_SetShouldMassNormalizeModes(FmdBody* body, int flag) {
 int FMD_SetTransformation(FmdBody* body, double* matrix) {
   if (CheckFMD(body) == 0 || body->ModeCount == 0) return 0;
   const int order = body->ModeCount;
-  if (body->Transformation != nullptr && body->TransformationOrder >= order) {
-    const auto row = fmd::allocate<double>(order, "dbset");
-    if (row == nullptr) return 0;
-    multiply_from_the_right(body->Transformation, matrix, row.get(), order, body->TransformationOrder);
-    return 1;
+  auto result = fmd::allocate<double>(std::int64_t{order} * order, "dbset");
+  if (result == nullptr) return 0;
+  if (body->Transformation == nullptr) {
+    std::copy_n(matrix, std::int64_t{order} * order, result.get());
+  } else {
+    compose(body->Transformation, body->TransformationOrder, matrix, order, result.get());
   }
-  auto copy = fmd::allocate<double>(std::int64_t{order} * order, "dbset");
-  if (copy == nullptr) return 0;
-  std::copy_n(matrix, std::int64_t{order} * order, copy.get());
   fmd::release(body->Transformation);
-  body->Transformation = copy.release();
+  body->Transformation = result.release();
   body->TransformationOrder = order;
   return 1;
 }
