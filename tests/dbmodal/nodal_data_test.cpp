@@ -208,6 +208,42 @@ TEST_F(NodalData, SizeIsTheDiagonalOfTheBoxAroundTheFaces) {
   EXPECT_DOUBLE_EQ(FMD_BodySize(body), 7.0);
 }
 
+TEST_F(NodalData, CornersThatNameNoNodeCountAsTheOrigin) {
+  FMD_SetNodeCoordinates(body, 1, 3.0, 4.0, 12.0);
+  FMD_SetNodeCoordinates(body, 2, 3.0, 4.0, 11.0);
+  face({1, 2});
+  body->FaceList[2] = 77;
+  EXPECT_DOUBLE_EQ(FMD_BodySize(body), 13.0);
+}
+
+TEST_F(NodalData, TheFirstNodeIsInTheBoxWithoutAFace) {
+  FMD_SetNodeCoordinates(body, 1, 0.0, 0.0, 0.0);
+  FMD_SetNodeCoordinates(body, 2, 3.0, 4.0, 0.0);
+  FMD_SetNodeCoordinates(body, 3, 3.0, 0.0, 0.0);
+  face({2, 3});
+  EXPECT_DOUBLE_EQ(FMD_BodySize(body), 5.0);
+}
+
+TEST_F(NodalData, EachFailedAllocationOfAFaceWithNewNodesIsReported) {
+  for (long nth = 1;; ++nth) {
+    fmd::fail_allocation(nth);
+    const int result = face({1, 2, 3});
+    const bool failed = fmd::allocation_has_failed();
+    fmd::fail_allocation(0);
+    if (!failed) {
+      EXPECT_EQ(result, 1);
+      break;
+    }
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(log.errors.size(), static_cast<std::size_t>(nth));
+    EXPECT_TRUE(fmdtest::is_allocation_failure(log.errors.back(), "dbset"));
+    EXPECT_EQ(body->FaceCount, 0);
+    EXPECT_EQ(body->FaceListLength, 0);
+  }
+  EXPECT_GE(log.errors.size(), 2U);
+  EXPECT_EQ(face_list(), (std::vector<int>{3, 0, 1, 2}));
+}
+
 TEST_F(NodalData, NullBodiesAreReported) {
   double values[9] = {};
   int count = 0;

@@ -169,6 +169,7 @@ TEST_F(Nodes, EachFailedGrowthIsReportedAndTheBodyStaysUsable) {
     EXPECT_EQ(result, -1);
     EXPECT_TRUE(fmdtest::is_allocation_failure(log.errors.back(), "dbset"));
     EXPECT_EQ(FMD_NodeCount(body), 1000);
+    EXPECT_EQ(body->NodeCapacity, 2000);
     EXPECT_EQ(FMD_NodeIndex(body, 500), 499);
     EXPECT_EQ(FMD_ModeNodeID(body, 1, 999), 1000);
     EXPECT_EQ(FMD_ModeNodeID(body, 0, 3), 4);

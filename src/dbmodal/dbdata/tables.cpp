@@ -1,5 +1,8 @@
 // Between the caller's node ids and mode numbers and the dense indices of the tables.
+#include <algorithm>
+
 #include "body/body.h"
+#include "dbmodal/dbdata/node_tables.h"
 #include "dbmodal/dbdata/sorted_table.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
@@ -10,35 +13,38 @@ bool is_type(int type) {
   return type >= 0 && type < TOTAL_MODE_INFO_TYPES;
 }
 
-// The pairs of a body that was read without them.
-bool build_sorted_nodes(FmdBody& body) {
-  auto pairs = fmd::allocate<FmdIdIndex>(body.NodeCapacity, "dbdata");
-  if (pairs == nullptr) return false;
-  for (int node = 0; node < body.NodeCount; ++node) {
-    pairs[static_cast<std::size_t>(node)] = {body.Nodes[node].Id, node};
-  }
-  fmd::sort_pairs(pairs.get(), body.NodeCount);
-  body.SortedNodes = pairs.release();
-  body.SortedModeNodes[fmd::kShape] = body.SortedNodes;
-  return true;
-}
-
-bool build_sorted_mode_nodes(FmdBody& body, int type) {
-  auto pairs = fmd::allocate<FmdIdIndex>(body.NodeCapacity, "dbdata");
-  if (pairs == nullptr) return false;
-  for (int place = 0; place < body.ModeNodeCount[type]; ++place) {
-    pairs[static_cast<std::size_t>(place)] = {body.ModeNodes[type][place]->Id, place};
-  }
-  fmd::sort_pairs(pairs.get(), body.ModeNodeCount[type]);
-  body.SortedModeNodes[type] = pairs.release();
-  return true;
+const FmdNode& node_at(const FmdBody& body, int type, int place) {
+  return type == fmd::kShape ? body.Nodes[place] : *body.ModeNodes[type][place];
 }
 
 }  // namespace
 
+namespace fmd {
+
+std::int32_t node_room(const FmdBody& body) {
+  return std::max(body.NodeCapacity, body.ReservedNodes);
+}
+
+bool provide_sorted(FmdBody& body, int type) {
+  const std::int32_t count = type == kShape ? body.NodeCount : body.ModeNodeCount[type];
+  FmdIdIndex*& table = type == kShape ? body.SortedNodes : body.SortedModeNodes[type];
+  if (table != nullptr || count == 0) return true;
+  auto pairs = allocate<FmdIdIndex>(node_room(body), "dbdata");
+  if (pairs == nullptr) return false;
+  for (std::int32_t place = 0; place < count; ++place) {
+    pairs[static_cast<std::size_t>(place)] = {node_at(body, type, place).Id, place};
+  }
+  sort_pairs(pairs.get(), count);
+  table = pairs.release();
+  body.SortedModeNodes[kShape] = body.SortedNodes;
+  return true;
+}
+
+}  // namespace fmd
+
 int FMD_NodeIndex(FmdBody* body, int id) {
   if (CheckFMD(body) == 0 || body->NodeCount == 0) return -1;
-  if (body->SortedNodes == nullptr && !build_sorted_nodes(*body)) return -1;
+  if (!fmd::provide_sorted(*body, fmd::kShape)) return -1;
   const int place = fmd::find_id(body->SortedNodes, body->NodeCount, id, body->LastNodePlace);
   return place < 0 ? -1 : body->SortedNodes[place].Index;
 }
@@ -86,7 +92,7 @@ int FMD_ModeNodeID(FmdBody* body, int type, int index) {
 int FMD_ModeNodeIndex(FmdBody* body, int type, int id) {
   if (type == fmd::kShape) return FMD_NodeIndex(body, id);
   if (CheckFMD(body) == 0 || !is_type(type) || body->ModeNodeCount[type] == 0) return -1;
-  if (body->SortedModeNodes[type] == nullptr && !build_sorted_mode_nodes(*body, type)) return -1;
+  if (!fmd::provide_sorted(*body, type)) return -1;
   FmdIdIndex* const pairs = body->SortedModeNodes[type];
   const int place = fmd::find_id(pairs, body->ModeNodeCount[type], id, body->LastModeNodePlace[type]);
   return place < 0 ? -1 : pairs[place].Index;

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "body/body.h"
+#include "dbmodal/dbdata/node_tables.h"
 #include "dbmodal/dbdata/sorted_table.h"
 #include "dbmodal/dbset/mode_nodes.h"
 #include "fmdtoolkit/fmdtoolkit.h"
@@ -38,40 +39,35 @@ void move_pointers(FmdBody& body, std::uintptr_t old_nodes) {
   }
 }
 
-// Tables that a body came without are built by the first search; a search must come before they grow.
-bool build_missing_tables(FmdBody& body) {
-  if (body.NodeCount > 0) FMD_NodeIndex(&body, 0);
-  for (const int type : {fmd::kStress, fmd::kStrain}) {
-    if (body.ModeNodeCount[type] == 0) continue;
-    FMD_ModeNodeIndex(&body, type, 0);
-    if (body.SortedModeNodes[type] == nullptr) return false;
-  }
-  return body.NodeCount == 0 || body.SortedNodes != nullptr;
-}
-
-bool provide_node(FmdBody& body) {
-  if (body.SortedNodes == nullptr && !build_missing_tables(body)) return false;
-  if (body.NodeCount < body.NodeCapacity) return true;
-  if (body.NodeCapacity > std::numeric_limits<std::int32_t>::max() - kStep) {
+// Storage for as many nodes as the capacity tells, and some ahead.
+bool reserve_nodes(FmdBody& body) {
+  const std::int64_t room = room_for(body, body.NodeCapacity);
+  const auto old_nodes = reinterpret_cast<std::uintptr_t>(body.Nodes);
+  const bool grown = grow_tables(body, room);
+  body.SortedModeNodes[fmd::kShape] = body.SortedNodes;
+  if (reinterpret_cast<std::uintptr_t>(body.Nodes) != old_nodes) move_pointers(body, old_nodes);
+  if (!grown) {
     fmd::report_allocation_failure("dbset");
     return false;
   }
-  const std::int32_t capacity = body.NodeCapacity + kStep;
-  if (capacity > body.ReservedNodes) {
-    const std::int64_t room = room_for(body, capacity);
-    const auto old_nodes = reinterpret_cast<std::uintptr_t>(body.Nodes);
-    const bool grown = grow_tables(body, room);
-    body.SortedModeNodes[fmd::kShape] = body.SortedNodes;
-    if (reinterpret_cast<std::uintptr_t>(body.Nodes) != old_nodes) move_pointers(body, old_nodes);
-    if (!grown) {
+  body.ReservedNodes =
+      static_cast<std::int32_t>(std::min<std::int64_t>(room, std::numeric_limits<std::int32_t>::max()));
+  return true;
+}
+
+bool provide_node(FmdBody& body) {
+  for (int type = 0; type < TOTAL_MODE_INFO_TYPES; ++type) {
+    if (!fmd::provide_sorted(body, type)) return false;
+  }
+  if (body.NodeCount >= body.NodeCapacity) {
+    if (body.NodeCapacity > std::numeric_limits<std::int32_t>::max() - kStep) {
       fmd::report_allocation_failure("dbset");
       return false;
     }
-    body.ReservedNodes =
-        static_cast<std::int32_t>(std::min<std::int64_t>(room, std::numeric_limits<std::int32_t>::max()));
+    // The step counts even where its storage cannot be had; the next node asks for that again.
+    body.NodeCapacity += kStep;
   }
-  body.NodeCapacity = capacity;
-  return true;
+  return body.NodeCapacity <= body.ReservedNodes || reserve_nodes(body);
 }
 
 }  // namespace
@@ -95,7 +91,7 @@ int FMD_AddNode(FmdBody* body, int id) {
 }
 
 int FMD_LookupOrAddNode(FmdBody* body, int id) {
-  if (CheckFMD(body) == 0) return -1;
+  if (CheckFMD(body) == 0 || !fmd::provide_sorted(*body, fmd::kShape)) return -1;
   const int index = FMD_NodeIndex(body, id);
   return index >= 0 ? index : FMD_AddNode(body, id);
 }
@@ -103,17 +99,18 @@ int FMD_LookupOrAddNode(FmdBody* body, int id) {
 namespace fmd {
 
 int lookup_or_add_mode_node(FmdBody& body, int type, int node_index) {
+  if (!provide_sorted(body, type)) return -1;
   FmdNode& node = body.Nodes[node_index];
   const int found = FMD_ModeNodeIndex(&body, type, node.Id);
   if (found >= 0) return found;
   const int place = body.ModeNodeCount[type];
-  if (place >= body.NodeCapacity) return -1;
+  if (place >= body.NodeCount) return -1;
   // A body that came without these tables gets them with its first such node.
   if (body.SortedModeNodes[type] == nullptr) {
-    body.SortedModeNodes[type] = allocate<FmdIdIndex>(body.NodeCapacity, "dbset").release();
+    body.SortedModeNodes[type] = allocate<FmdIdIndex>(node_room(body), "dbset").release();
   }
   if (body.ModeNodes[type] == nullptr) {
-    body.ModeNodes[type] = allocate<FmdNode*>(body.NodeCapacity, "dbset").release();
+    body.ModeNodes[type] = allocate<FmdNode*>(node_room(body), "dbset").release();
   }
   if (body.SortedModeNodes[type] == nullptr || body.ModeNodes[type] == nullptr) return -1;
   body.ModeNodes[type][place] = &node;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "body/body.h"
+#include "dbmodal/dbdata/node_tables.h"
 #include "dbmodal/dbdata/sorted_table.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 
@@ -43,6 +44,13 @@ void rename_node(FmdBody& body, int index, std::int32_t id) {
     sort_table(body, type);
   }
   node.Id = id;
+}
+
+bool has_all_tables(FmdBody& body) {
+  for (int type = 0; type < TOTAL_MODE_INFO_TYPES; ++type) {
+    if (!fmd::provide_sorted(body, type)) return false;
+  }
+  return true;
 }
 
 // Two nodes exchange their ids.
@@ -96,8 +104,11 @@ int FMD_RenumberInterfaceNodes(FmdBody* body, int count, int* ids) {
                 body->InterfaceNodeCount);
     count = body->InterfaceNodeCount;
   }
+  // Without them a taken id would look free.
+  if (count > 0 && !has_all_tables(*body)) return 1;
   for (int i = 0; i < count; ++i) {
     const int index = body->InterfaceNodes[i];
+    if (index < 0 || index >= body->NodeCount) continue;
     const int holder = FMD_NodeIndex(body, ids[i]);
     if (holder == index) continue;
     if (holder < 0) {
