@@ -13,6 +13,11 @@ namespace {
 // Large enough to make a write call cheap, small enough to stay in a core's cache.
 constexpr std::size_t kStagingBytes = std::size_t{256} * 1024;
 
+// A full buffer is drained up to a page's end, so that the file takes no page in two pieces; the item that
+// crosses that end stays behind in part.
+constexpr std::size_t kPageBytes = 4096;
+constexpr std::size_t kLargestItem = 8;
+
 template <typename T>
 void copy_items(unsigned char* to, const T* from, std::size_t count) {
   std::memcpy(to, from, count * sizeof(T));
@@ -34,14 +39,18 @@ bool FileMedium::take(const unsigned char* bytes, std::size_t count) {
 Sink::Sink(Medium& medium, Encoding encoding)
     : medium_(medium),
       encoding_(encoding),
-      staging_(allocate<unsigned char>(kStagingBytes, "dbwrite")),
+      staging_(allocate<unsigned char>(kStagingBytes + kLargestItem, "dbwrite")),
       ok_(staging_ != nullptr) {}
 
 template <typename T, typename Encode>
 void Sink::put(const T* items, std::size_t count, std::size_t size, Encode encode) {
   while (ok_ && count > 0) {
-    if (kStagingBytes - staged_ < size && !drain()) return;
-    const std::size_t piece = std::min(count, (kStagingBytes - staged_) / size);
+    const std::size_t full = kStagingBytes - drained_ % kPageBytes;
+    if (staged_ >= full) {
+      drain_first(full);
+      continue;
+    }
+    const std::size_t piece = std::min(count, (full - staged_ + size - 1) / size);
     encode(staging_.get() + staged_, items, piece);
     staged_ += piece * size;
     items += piece;
@@ -66,9 +75,15 @@ void Sink::put_chars(const char* text, std::size_t count) {
 }
 
 bool Sink::drain() {
-  if (ok_ && staged_ > 0) ok_ = medium_.take(staging_.get(), staged_);
-  staged_ = 0;
+  drain_first(staged_);
   return ok_;
+}
+
+void Sink::drain_first(std::size_t bytes) {
+  if (ok_ && bytes > 0) ok_ = medium_.take(staging_.get(), bytes);
+  drained_ += bytes;
+  staged_ -= bytes;
+  if (staged_ > 0) std::memmove(staging_.get(), staging_.get() + bytes, staged_);
 }
 
 }  // namespace fmd

@@ -56,10 +56,13 @@ class Sink {
   template <typename T, typename Encode>
   void put(const T* items, std::size_t count, std::size_t size, Encode encode);
 
+  void drain_first(std::size_t bytes);
+
   Medium& medium_;
   Encoding encoding_;
   CArray<unsigned char> staging_;
   std::size_t staged_ = 0;
+  std::size_t drained_ = 0;  // bytes handed on since the start
   bool ok_;
 };
 
