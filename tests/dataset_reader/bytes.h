@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,10 @@ struct Form {
   bool shape_word;   // a word before each mode shape
   bool stress_word;  // a word before each stress or strain vector
 };
+
+inline void PrintTo(const Form& form, std::ostream* out) {
+  *out << "word " << form.word;
+}
 
 class Bytes {
  public:

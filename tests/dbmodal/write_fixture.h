@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,10 @@ inline const std::vector<WordCase> kWordCases = {
 
 inline std::string name_of(const WordCase& word) {
   return "Word" + std::to_string(word.word);
+}
+
+inline void PrintTo(const WordCase& word, std::ostream* out) {
+  *out << '"' << word.options << '"';
 }
 
 class WriteTest : public SessionTest {

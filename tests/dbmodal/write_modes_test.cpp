@@ -287,6 +287,16 @@ TEST_F(WriteModes, PrestressWithoutModalStressStandsAlone) {
   EXPECT_EQ(dataset.prestress->at(0), sample_prestate(1, 3));
 }
 
+TEST_F(WriteModes, StressWithoutNodesCannotBeWritten) {
+  FmdBody* body = make_nodes({1}, 1);
+  body->BlockExists[fmd::kModalStress] = 1;
+  EXPECT_EQ(write(body), 0);
+  ASSERT_EQ(log.errors.size(), 2U);
+  EXPECT_TRUE(is_allocation_failure(log.errors[0], "dbwrite")) << log.errors[0];
+  EXPECT_EQ(log.errors[1], "Problem writing Modal Stress.\n");
+  EXPECT_FALSE(std::filesystem::exists("out.fmd"));
+}
+
 }  // namespace
 
 }  // namespace fmdtest
