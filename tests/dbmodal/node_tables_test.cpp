@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 #include <random>
 #include <set>
+#include <string>
 #include <vector>
 
 #include "body/body.h"
@@ -201,6 +203,37 @@ TEST_F(NodeTables, ASearchWithoutMemoryAddsNothing) {
   for (const std::string& error : log.errors) EXPECT_TRUE(fmdtest::is_allocation_failure(error, "dbdata"));
   EXPECT_EQ(FMD_LookupOrAddNode(body, 10), 1);
   EXPECT_EQ(fmd::lookup_or_add_mode_node(*body, 1, 1), 1);
+}
+
+TEST_F(NodeTables, ABodyWithoutStrainTablesGetsThemWithItsFirstStrainNode) {
+  add_three_with_stress();
+  fmd::release(body->ModeNodes[2]);
+  fmd::release(body->SortedModeNodes[2]);
+  for (const int nth : {1, 2}) {
+    fmd::fail_allocation(nth);
+    EXPECT_EQ(fmd::lookup_or_add_mode_node(*body, 2, 1), -1);
+    fmd::fail_allocation(0);
+    EXPECT_TRUE(fmdtest::is_allocation_failure(log.errors.back(), "dbset"));
+    EXPECT_EQ(FMD_ModeNodeCount(body, 2), 0);
+    fmd::release(body->ModeNodes[2]);
+    fmd::release(body->SortedModeNodes[2]);
+  }
+  EXPECT_EQ(fmd::lookup_or_add_mode_node(*body, 2, 1), 0);
+  EXPECT_EQ(FMD_ModeNodeIndex(body, 2, 10), 0);
+}
+
+TEST_F(NodeTables, NoNodeIsAddedBeyondWhatAnIndexCanCount) {
+  FMD_AddNode(body, 1);
+  const int full = std::numeric_limits<int>::max() - 10;
+  body->NodeCount = full;
+  body->NodeCapacity = full;
+  EXPECT_EQ(FMD_AddNode(body, 2), -1);
+  EXPECT_EQ(body->NodeCapacity, full);
+  body->NodeCount = 1;
+  body->NodeCapacity = 1000;
+  ASSERT_EQ(log.errors.size(), 1U);
+  EXPECT_TRUE(fmdtest::is_allocation_failure(log.errors[0], "dbset"));
+  EXPECT_EQ(FMD_AddNode(body, 2), 1);
 }
 
 TEST_F(NodeTables, ARenumberingWithoutMemoryChangesNothing) {
