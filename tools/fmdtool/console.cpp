@@ -15,15 +15,17 @@ bool is_verbose = false;
 bool bar_is_shown = false;
 int modes_told = 0;
 
-// Line ends become blanks and other characters that steer a terminal question marks, so that a message is one
-// line whatever an input file holds.
+// A line end with the blanks behind it becomes a blank and other characters that steer a terminal question
+// marks, so that a message is one line whatever an input file holds.
 std::string one_line(const std::string& text) {
   std::string result;
+  bool line_begins = true;
   for (const char c : text) {
-    const bool blank = c == '\n' || c == '\r' || c == '\t' || c == ' ';
+    const bool line_end = c == '\n' || c == '\r';
+    if (line_begins && (line_end || c == ' ')) continue;
+    line_begins = line_end;
     const auto code = static_cast<unsigned char>(c);
-    if (blank && (result.empty() || result.back() == ' ')) continue;
-    result += blank ? ' ' : ((code < 32 || code == 127) ? '?' : c);
+    result += line_end ? ' ' : ((code < 32 || code == 127) ? '?' : c);
   }
   while (!result.empty() && result.back() == ' ') result.pop_back();
   return result;

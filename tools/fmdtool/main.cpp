@@ -1,9 +1,13 @@
 // fmdtool: translates finite-element results into Flexible Modal Datasets.
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <cstdlib>
+#include <exception>
 #include <string>
 #include <vector>
 
+#include "console.h"
+#include "supervisor.h"
 #include "translate_command.h"
 #include "unit_labels.h"
 
@@ -99,5 +103,10 @@ int main(int count, char** arguments) {
   for (const std::string& option : options) {
     request.write_options += (request.write_options.empty() ? "" : " ") + option;
   }
-  return fmdtool::translate_calculix(request);
+  try {
+    return fmdtool::run_supervised([&] { return fmdtool::translate_calculix(request); });
+  } catch (const std::exception& error) {
+    fmdtool::print_error(error.what());
+    return EXIT_FAILURE;
+  }
 }

@@ -8,40 +8,42 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "workspace.h"
+#include "supervisor.h"
 
 namespace fmdtool {
 
 namespace fs = std::filesystem;
 
 // A symbolic link stays one: the file that it names is replaced.
-OutputFile::OutputFile(const fs::path& target) : target_(fs::weakly_canonical(fs::absolute(target))) {
+OutputFile::OutputFile(const std::string& name)
+    : name_(name), target_(fs::weakly_canonical(fs::absolute(name))) {
   std::error_code error;
-  if (target.filename().empty() || fs::is_directory(target_, error)) {
-    throw std::runtime_error(target.string() + ": expected the name of an output file, found a directory");
+  if (fs::path(name).filename().empty() || fs::is_directory(target_, error)) {
+    throw std::runtime_error(name_ + ": expected the name of an output file, found a directory");
   }
   if (fs::exists(target_, error) && !fs::is_regular_file(target_, error)) {
-    throw std::runtime_error(target.string() + ": expected a regular file as output");
+    throw std::runtime_error(name_ + ": expected a regular file as output");
   }
   if (!fs::is_directory(target_.parent_path(), error)) {
-    throw std::runtime_error(target.string() + ": the directory of the output does not exist");
+    throw std::runtime_error(name_ + ": the directory of the output does not exist");
   }
 }
 
 OutputFile::~OutputFile() {
   if (temporary_.empty()) return;
   ::unlink(temporary_.c_str());
-  note_unfinished_output("");
+  note_leftover(Leftover::output, "");
 }
 
 const std::string& OutputFile::make_temporary() {
   std::string name = (target_.parent_path() / ("." + target_.filename().string() + ".XXXXXX")).string();
+  const SignalHold hold;
   const int file = ::mkstemp(name.data());
   if (file < 0) {
-    throw std::runtime_error(target_.string() + ": cannot write in this directory: " + std::strerror(errno));
+    throw std::runtime_error(name_ + ": cannot write in this directory: " + std::strerror(errno));
   }
   temporary_ = name;
-  note_unfinished_output(temporary_);
+  note_leftover(Leftover::output, temporary_);
   const mode_t mask = ::umask(0);
   ::umask(mask);
   ::fchmod(file, 0666 & ~mask);
@@ -51,10 +53,10 @@ const std::string& OutputFile::make_temporary() {
 
 void OutputFile::commit() {
   if (::rename(temporary_.c_str(), target_.c_str()) != 0) {
-    throw std::runtime_error(target_.string() + ": cannot be replaced: " + std::strerror(errno));
+    throw std::runtime_error(name_ + ": cannot be replaced: " + std::strerror(errno));
   }
   temporary_.clear();
-  note_unfinished_output("");
+  note_leftover(Leftover::output, "");
 }
 
 }  // namespace fmdtool

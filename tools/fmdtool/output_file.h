@@ -10,11 +10,12 @@ namespace fmdtool {
 class OutputFile {
  public:
   // Refuses, with std::runtime_error, a target that is no regular file or whose directory is not there.
-  explicit OutputFile(const std::filesystem::path& target);
+  explicit OutputFile(const std::string& name);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
+  const std::string& name() const { return name_; }  // as given
   const std::filesystem::path& target() const { return target_; }
 
   // Makes an empty file beside the target, to be written by name.
@@ -24,6 +25,7 @@ class OutputFile {
   void commit();
 
  private:
+  std::string name_;
   std::filesystem::path target_;
   std::string temporary_;
 };

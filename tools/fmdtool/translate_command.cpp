@@ -83,7 +83,7 @@ std::string shown(const calculix::InputError& error, const fs::path& from) {
 void write_dataset(FmdBody* body, OutputFile& output) {
   std::string temporary = output.make_temporary();
   if (FMD_write_FMD(body, temporary.data()) == 0) {
-    throw std::runtime_error(output.target().string() + ": the dataset was not written");
+    throw std::runtime_error(output.name() + ": the dataset was not written");
   }
   output.commit();
 }
@@ -121,7 +121,6 @@ int translate_calculix(TranslateRequest request) {
   fs::path from;
   try {
     from = fs::current_path();
-    watch_signals();
     Report report = run(request, from);
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
     report.seconds = time.count();
