@@ -39,7 +39,7 @@ std::string bytes_of(const std::string& path) {
 
 std::string many_lines() {
   std::string text;
-  for (int i = 0; i < 300000; ++i) text += "line " + std::to_string(i * 7919 % 100003) + "\n";
+  for (int i = 0; i < 300000; ++i) text += "line " + std::to_string(i * 7919L % 100003) + "\n";
   return text;
 }
 
