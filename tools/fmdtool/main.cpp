@@ -1,12 +1,12 @@
 // fmdtool: translates finite-element results into Flexible Modal Datasets.
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <string>
 #include <vector>
 
-#include "console.h"
 #include "supervisor.h"
 #include "translate_command.h"
 #include "unit_labels.h"
@@ -78,9 +78,7 @@ void add_calculix_command(CLI::App& translate, fmdtool::TranslateRequest& reques
   command.add_flag("--verbose", request.verbose, "Show all messages of the toolkit");
 }
 
-}  // namespace
-
-int main(int count, char** arguments) {
+int run(int count, char** arguments) {
   CLI::App app(
       "Flexible bodies for multibody dynamics: makes Flexible Modal Datasets from finite-element results");
   app.name("fmdtool");
@@ -103,10 +101,16 @@ int main(int count, char** arguments) {
   for (const std::string& option : options) {
     request.write_options += (request.write_options.empty() ? "" : " ") + option;
   }
+  return fmdtool::run_supervised([&] { return fmdtool::translate_calculix(request); });
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
   try {
-    return fmdtool::run_supervised([&] { return fmdtool::translate_calculix(request); });
+    return run(count, arguments);
   } catch (const std::exception& error) {
-    fmdtool::print_error(error.what());
+    std::fprintf(stderr, "fmdtool: error: %s\n", error.what());
     return EXIT_FAILURE;
   }
 }

@@ -191,7 +191,7 @@ std::vector<int> interface_node_ids(const std::string& set_or_file, const Deck& 
         "expected a node set of the deck or a file for the interface nodes, found neither of the name " +
             quote(set_or_file) + " (sets: " + known_sets(deck) + ")");
   }
-  const std::vector<int> ids = expand(set->second, deck.node_ids, deck.node_index);
+  std::vector<int> ids = expand(set->second, deck.node_ids, deck.node_index);
   if (ids.empty()) throw InputError(deck.path, 0, "expected nodes in the set " + set->first + ", found none");
   for (const int id : ids) {
     if (contents.node_index.find(id) < 0) {
