@@ -416,7 +416,8 @@ double FMD_UCF(FmdBody* body);
 int FMD_SetFaceList(FmdBody* body, int count, int* ids);
 int FMD_SetFace(FmdBody* body, int count, ...);
 
-/* Number of faces, and of ints in the face list: per face its corner count, then its node indices. */
+/* Number of faces, and of ints in the face list: per face its corner count, then its node indices. The result is
+   the length of the list, 0 for a null body; FMD_ElementFaces answers 1, or 0 where there is no list. */
 int FMD_FaceListSize(FmdBody* body, int* faces, int* length);
 int FMD_ElementFaces(FmdBody* body, int* list);
 

@@ -136,7 +136,7 @@ TEST_F(NodalData, FacesDropRepeatedCorners) {
   EXPECT_EQ(face({2, 4}), 1);
   int faces = 0;
   int length = 0;
-  EXPECT_EQ(FMD_FaceListSize(body, &faces, &length), 1);
+  EXPECT_EQ(FMD_FaceListSize(body, &faces, &length), 12);
   EXPECT_EQ(faces, 3);
   EXPECT_EQ(length, 12);
   EXPECT_EQ(face_list(), (std::vector<int>{3, 0, 1, 2, 4, 3, 2, 1, 0, 2, 1, 3}));

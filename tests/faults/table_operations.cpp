@@ -117,7 +117,7 @@ const std::vector<Operation> table_operations = {
     {"FMD_SetFace", empty_body, [](Scene& s) { return FMD_SetFace(s.body, 3, 1, 2, 3) == 1; }},
     {"FMD_FaceListSize", full_body,
      [](Scene& s) {
-       return FMD_FaceListSize(s.body, s.ints, s.ints + 1) == 1 && s.ints[0] == 2 && s.ints[1] == 10;
+       return FMD_FaceListSize(s.body, s.ints, s.ints + 1) == 10 && s.ints[0] == 2 && s.ints[1] == 10;
      }},
     {"FMD_ElementFaces", full_body,
      [](Scene& s) { return FMD_ElementFaces(s.body, s.ints) == 1 && s.ints[0] == 4; }},

@@ -10,7 +10,7 @@ int FMD_FaceListSize(FmdBody* body, int* faces, int* length) {
   if (CheckFMD(body) == 0) return 0;
   *faces = body->FaceCount;
   *length = body->FaceListLength;
-  return 1;
+  return body->FaceListLength;
 }
 
 int FMD_ElementFaces(FmdBody* body, int* list) {
