@@ -381,6 +381,114 @@ int FMD_SetInvar7(FmdBody* body, double* values);
 void incr_scalar_tilde_vec(double* out, double s, double* a, double* b);
 void incr_scalar_tilde_tilde(double* out, double s, double* a, double* b);
 
+/* ------------------------------------------------------- preload and loads -- */
+
+/* Modal preload: one value per mode, set mode by mode. All modes come before the first value: a mode added
+   later has no place in it and is refused. The getter returns a new array of FMD_ModeCount doubles, or null
+   with a count of 0. "Processed" tells that the first entries are on the axes of the rigid body. */
+int FMD_SetModalPreload(FmdBody* body, int mode, double value);
+double* FMD_GetModalPreload(FmdBody* body, int* count);
+int FMD_ModalPreloadExist(FmdBody* body);
+int FMD_ModalPreloadProcessed(FmdBody* body);
+void FMD_SetModalPreloadProcessed(FmdBody* body, int flag);
+
+/* Modal load cases, counted from 0. Setting a value or a label makes the case and those before it, with zero
+   loads and a default label; all modes come before the first case. Labels keep 255 characters; an empty one
+   becomes the number. The label buffer needs 256 bytes; the load is a new array of FMD_ModeCount doubles. */
+int FMD_SetModalLoad(FmdBody* body, int load_case, int mode, double value);
+int FMD_SetModalLoadLabel(FmdBody* body, int load_case, char* label);
+int FMD_GetModalLoadCaseCount(FmdBody* body);
+int FMD_GetModalLoadCaseLabel(FmdBody* body, int load_case, char* label);
+double* FMD_GetModalLoad(FmdBody* body, int load_case, int* count);
+int FMD_ModalLoadProcessed(FmdBody* body, int load_case);
+void FMD_SetModalLoadProcessed(FmdBody* body, int load_case, int flag);
+
+/* Load cases as lists of node, coordinate (1 to 6) and value; repeated entries are all kept. The getters
+   return new arrays of FMD_GetModalLoadNodalCount entries, or null; nodes are indices. */
+int FMD_SetModalLoadNodal(FmdBody* body, int load_case, int node, int coordinate, double value);
+int FMD_GetModalLoadNodalCaseCount(FmdBody* body);
+int FMD_GetModalLoadNodalCount(FmdBody* body, int load_case);
+int* FMD_GetModalLoadNodalNode(FmdBody* body, int load_case);
+int* FMD_GetModalLoadNodalCoord(FmdBody* body, int load_case);
+double* FMD_GetModalLoadNodalLoad(FmdBody* body, int load_case);
+
+/* ------------------------------------------------- rigid body modes and axes -- */
+
+/* How many of the first six modes are rigid body modes, by their frequencies: against the seventh mode (or
+   FMD_RIGID_BODY_THRESHOLD, in Hz), or by the last gap where there are fewer than seven. */
+int FMD_RigidBodyModeCount(FmdBody* body);
+
+/* Participation of the first count modes in the six motions of the body frame, translations then rotations,
+   into six rows of count doubles. Weighted by nodal mass. */
+void FMD_RigidModes2KINEX(FmdBody* body, double** rows, int count);
+
+/* Turns the first entries of preload and load cases that are not yet processed into forces and moments in the
+   body frame: by the nodal masses, or by a fit to the node cloud where there are none or
+   KXI_MFORCE_NO_FEA_MASS is set. */
+void FMD_RigidBodyForcesOnPrincipalAxes(FmdBody* body);
+
+/* Projects the generalized damping on the six rigid motions and the flexible modes, once. */
+int FMD_DampingOnPrincipalAxes(FmdBody* body);
+
+/* That damping for the six rigid motions and n selected modes (numbers, ascending) into n + 6 rows of n + 6.
+ */
+int FMD_GenDampPrincipalAndSelected(FmdBody* body, double** rows, int n, int* selected);
+
+/* Adds the generalized mass between modes 1 to firstCount and the secondCount modes after them, from nodal
+   mass and inertia. The two counts add up to FMD_ModeCount. */
+int FMD_AnsysAddGenMass(FmdBody* body, int firstCount, int secondCount);
+
+/* ----------------------------------------------------- small dense algebra -- */
+
+/* LU factorisation with row pivoting of n rows in place: 0 for an exactly singular column. The permutation
+   tells which input row stands at each row. Then solve for one right-hand side in place, or invert in place.
+ */
+int FMD_LUPDecomposition(double** rows, int n, int* permutation);
+int FMD_LUPSolve(double** rows, int n, int* permutation, double* b);
+int FMD_LUPInvert(double** rows, int n, int* permutation);
+
+/* c = a b for 3 by 3 matrices (c may be a or b); v = sign v A for a row vector; a += b for vectors of three.
+ */
+void Matrix_Multiply(double* a, double* b, double* c);
+void Vector_Transform(double* v, double* matrix, int sign);
+void Move_Vector(double* a, double* b);
+
+/* --------------------------------------------- monitor points and operators -- */
+
+/* A monitor point is a quantity that follows from the modal coordinates. These accessors answer 0 for success
+   and -1 for failure. The component is a number with one digit per selected component (123: three rows);
+   location in the body's frame; names keep 8 and labels 56 characters (buffers of 9 and 57 bytes). Operator
+   kinds: 1 displacement, 2 velocity, 3 acceleration (rows by modes), 4 load (load operators by rows by
+   modes), row by row; set them when the modes are final. FMD_MonitorPointHasOperator answers 0, 1, 2, 4 or 8.
+ */
+void FMD_SetMonitorPointInfo(FmdBody* body, int type, int resultType, int component, int loadOperatorCount,
+                             double* location, char* name, char* label);
+int FMD_GetMonitorPointCount(FmdBody* body);
+int FMD_GetMonitorPointType(FmdBody* body, int index);
+int FMD_GetMonitorPointResultType(FmdBody* body, int index);
+int FMD_GetMonitorPointComponent(FmdBody* body, int index);
+int FMD_GetMonitorPointNameLabel(FmdBody* body, int index, char* name, char* label);
+int FMD_GetMonitorPointLocation(FmdBody* body, int index, double* location);
+int FMD_GetMonitorPointOperatorSize(FmdBody* body, int index, int* rows, int* columns);
+int FMD_GetMonitorPointNumLoadOperator(FmdBody* body, int index);
+int FMD_MonitorPointHasOperator(FmdBody* body, int index, int kind);
+int FMD_SetMonitorPointOperator(FmdBody* body, int index, int kind, double* data);
+int FMD_GetMonitorPointOperator(FmdBody* body, int index, int kind, double* out);
+
+/* A matrix operator is a named stack of labelled rows (texts of 79 characters) with tagged sub-matrices of
+   the same row count. The setters answer the new index or -1; the accessors 0 or -1. Labels may be null: all
+   empty. */
+int FMD_SetMatrixOperatorInfo(FmdBody* body, char* name, char** labels, int rowCount);
+int FMD_SetMatrixOperatorData(FmdBody* body, int index, char* tag, int columnCount, double* data);
+int FMD_GetMatrixOperatorCount(FmdBody* body);
+int FMD_GetMatrixOperatorNumRows(FmdBody* body, int index);
+int FMD_GetMatrixOperatorName(FmdBody* body, int index, char* name);
+int FMD_GetMatrixOperatorLabels(FmdBody* body, int index, char** labels);
+int FMD_GetMatrixOperatorNumSubOperator(FmdBody* body, int index);
+int FMD_GetMatrixOperatorSubNumCols(FmdBody* body, int index, int sub);
+int FMD_GetMatrixOperatorSubTag(FmdBody* body, int index, int sub, char* tag);
+int FMD_GetMatrixOperatorSubData(FmdBody* body, int index, int sub, double* out);
+
 /* ------------------------------------------------------------------- units -- */
 
 /* Factor of a label in a table: 1.0 for an empty label, 0.0 for an unknown one. A label matches the first

@@ -113,7 +113,8 @@ struct FmdMatrixEntry {
 struct FmdLoadCase {
   char Label[256];
   std::int32_t Processed;
-  double* Loads;  // one per mode
+  double* Loads;           // one per mode
+  std::int32_t LoadCount;  // doubles that Loads has
 };
 
 struct FmdNodalLoadCase {
@@ -263,6 +264,7 @@ struct FmdBody {
   std::int32_t ModeBufferBroken[TOTAL_MODE_INFO_TYPES];   // 1: reading the loaded vector has failed
   std::int32_t ModeRefBufferNodes;                        // nodes that ModeRefBuffer has room for
   std::int32_t StatisticsCount;                           // records that ModalStatistics has
+  std::int32_t PreloadCount;                              // doubles that ModalPreload has
   std::int32_t TransformationOrder;                       // order of the Transformation matrix
 };
 

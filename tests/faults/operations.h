@@ -32,6 +32,7 @@ extern const std::vector<Operation> frame_operations;   // messages, lifecycle, 
 extern const std::vector<Operation> table_operations;   // nodes, modes, header, nodal data, faces
 extern const std::vector<Operation> mode_operations;    // vectors, cache, statistics
 extern const std::vector<Operation> matrix_operations;  // matrices, mass, invariants, dataset
+extern const std::vector<Operation> load_operations;    // loads, rigid modes, monitors, operators
 extern const std::vector<Operation> record_operations;  // record streams
 
 }  // namespace fmdtest

@@ -1,5 +1,7 @@
 #include "dbmodal/dbcreate/release.h"
 
+#include "dbmodal/dbmonpnt/monitor_points.h"
+#include "dbmodal/dbmtxop/matrix_operators.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
 
@@ -101,7 +103,9 @@ void release_body(FmdBody* body) {
   release_loads(*body);
   release_matrices(*body);
   FMD_CleanModesInMemory(body);
+  release_monitor_points(*body);
   release_free_edges(*body);
+  release_matrix_operators(*body);
   std::free(body);
 }
 
