@@ -529,6 +529,51 @@ int FMD_SetFace(FmdBody* body, int count, ...);
 int FMD_FaceListSize(FmdBody* body, int* faces, int* length);
 int FMD_ElementFaces(FmdBody* body, int* list);
 
+/* Strips the faces that two elements share: of faces with the same corners those of opposite orientation go in
+   pairs, of those with one orientation the last stays. The rest is sorted. Runs once per body; a body without
+   faces gets the message of a failed allocation. */
+void FMD_StripCommonFaces(FmdBody* body);
+
+/* The nodes that faces, interface nodes and nodal modal loads refer to: new array of count node indices,
+   ascending, or null with count 0. Worked out once: faces and nodes added later are not in it. */
+int* FMD_GeometryNodes(FmdBody* body, int* count);
+
+/* Strips common faces and removes all nodes that are not geometry nodes, with their rows of all mode data; the
+   nodes that stay come in ascending order of their old indices. Runs once per body. 1 once the interior faces
+   have gone, also where the nodes then could not be removed: a message has said so and the body has them all.
+   */
+int FMD_RemoveInternalGeometry(FmdBody* body);
+
+/* Replaces the faces by those of a text file: the face count, then for each face its corner count and its node
+   ids, with white space between the numbers. The nodes must exist. What is wrong with a file is a warning, and
+   the body then keeps its faces. */
+void FMD_SketchGrid(FmdBody* body, char* path);
+
+/* 1 if the faces have been sketched or coarsened, or have more than four corners. */
+int FMD_IsCoarsened(FmdBody* body);
+
+/* ------------------------------------------- free edges and nearest nodes -- */
+
+/* The edges of only one face, linked into chains of node ids; a closed chain has one node first and last.
+   Generating them first removes the internal geometry. Count and size generate them once; chains count from
+   0, and size and chain answer 0 for one that is not there. The last copies the ids to out, which has room
+   for them, and answers the size. The classes behind it are in free_edges.h. */
+int FMD_GenerateFreeEdges(FmdBody* body);
+int FMD_GetFreeEdgeCount(FmdBody* body);
+int FMD_GetFreeEdgeSize(FmdBody* body, int chain);
+int FMD_GetFreeEdge(FmdBody* body, int chain, int* out);
+
+/* Node index of the node nearest to a point (3, in length units), of several the first; among the interface
+   nodes only if asked and if there are any. -1 without nodes; reports no null body. */
+int FMD_ClosestNode(FmdBody* body, double* point, int interfaceOnly);
+
+/* The wanted number of nodes nearest to a point, or all within a radius, nearest first: new array of found
+   node indices, or null with found 0. Of equally distant nodes the first operation puts the earlier in front,
+   the second the later. */
+int* FMD_ClosestNodes(FmdBody* body, double* point, int wanted, int interfaceOnly, int* found);
+int* FMD_ClosestNodesInNeighborhood(FmdBody* body, double* point, double radius, int interfaceOnly,
+                                    int* found);
+
 /* ------------------------------------------------------------------ dataset -- */
 
 /* Writes the body as a Flexible Modal Dataset under the options in KXI_FMDWRITE_OPTIONS. The file is complete

@@ -9,7 +9,7 @@ foreach(row IN LISTS rows)
   string(REGEX REPLACE "^.* " "" name "${row}")
   list(APPEND exported ${name})
 endforeach()
-file(STRINGS ${LIST} listed REGEX "^[A-Za-z]")
+file(STRINGS ${LIST} listed REGEX "^[A-Za-z_]")
 
 set(faults 0)
 foreach(name IN LISTS exported)

@@ -5,6 +5,7 @@
 #include "exported_names.h"
 
 int body_lookup_from_cpp(FmdBody* body);
+int outline_of_a_triangle_from_cpp(void);
 
 static int count_faults(void) {
   int faults = 0;
@@ -26,6 +27,10 @@ int main(void) {
   int faults = count_faults();
   if (body_lookup_from_cpp(NULL) != 0) {
     printf("a null handle counts as a live body\n");
+    faults++;
+  }
+  if (outline_of_a_triangle_from_cpp() != 4) {
+    printf("a triangle has another outline\n");
     faults++;
   }
   return faults == 0 ? 0 : 1;

@@ -40,17 +40,6 @@ bool read_vector(const FmdBody& body, int type, int index) {
          DB_ReadDOUBLEs(stream, body.ModeBuffer[type], body.ModeNodeCount[type] * kValuesPerNode) != 0;
 }
 
-void report_unreadable(int mode, int type) {
-  switch (type) {
-    case kShape:
-      return FMD_Error("Problem reading mode shape %d", mode);
-    case kStress:
-      return FMD_Error("Problem reading modal stress vector %d", mode);
-    default:
-      return FMD_Error("Problem reading modal strain vector %d", mode);
-  }
-}
-
 double stress_factor(const FmdBody& body) {
   return body.UnitTotalFactor[kForce] / body.UnitTotalFactor[kLength] / body.UnitTotalFactor[kLength];
 }
@@ -77,6 +66,17 @@ void apply_units_as(const FmdBody& body, int type, int nodes, Real* values) {
 }
 
 }  // namespace
+
+void report_unreadable_mode(int mode, int type) {
+  switch (type) {
+    case kShape:
+      return FMD_Error("Problem reading mode shape %d", mode);
+    case kStress:
+      return FMD_Error("Problem reading modal stress vector %d", mode);
+    default:
+      return FMD_Error("Problem reading modal strain vector %d", mode);
+  }
+}
 
 void apply_units(const FmdBody& body, int type, int nodes, double* values) {
   apply_units_as(body, type, nodes, values);
@@ -118,7 +118,7 @@ int load_mode_vector(FmdBody* body, int mode, int type) {
                                                : read_vector(*body, type, index);
   apply_units(*body, type, nodes, body->ModeBuffer[type]);
   body->ModeBufferBroken[type] = done ? 0 : 1;
-  if (!done) report_unreadable(mode, type);
+  if (!done) report_unreadable_mode(mode, type);
   return 1;
 }
 

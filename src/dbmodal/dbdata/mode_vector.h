@@ -24,6 +24,9 @@ inline bool is_pseudo_mode(int mode, int type) {
 // is no such vector, or no memory.
 int load_mode_vector(FmdBody* body, int mode, int type);
 
+// Says that a mode's vector could not be read.
+void report_unreadable_mode(int mode, int type);
+
 // The pre-stress (type 1) or pre-strain vector as six values per mode node; nodes that were never given any
 // are zero. False where the body has none.
 bool copy_pseudo_mode(const FmdBody& body, int type, double* values);
