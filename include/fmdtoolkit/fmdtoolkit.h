@@ -366,16 +366,52 @@ int FMD_TotalMassInertia(FmdBody* body, double* mass, double* inertia, double* c
 /* Recomputes mass, centre and inertia from the invariants. */
 int FMD_CalculateGlobalMassFromNodeMass(FmdBody* body);
 
-/* Inertia invariants: 1 total mass, 2 first moment of mass (new array of 3), 7 inertia about the origin (new
-   array of 9). Taken from what was set, from the dataset, from the nodes, or from the global mass. */
+/* Inertia invariants, over nodes p with mass m, place r, inertia tensor J and modes with translations phi and
+   rotations theta; ~x is the skew matrix of x, so that ~x y = x cross y. M is FMD_ModeCount; modes are given by
+   index, in index order.
+
+     1  sum m                                   a double
+     2  sum m r                                 3
+     3  sum m phi_j                             3 rows of M
+     4  sum (m r x phi_j + J theta_j)           3 rows of M
+     5  sum m phi_i x phi_j                     for a mode i, 3 rows of M over j; -0.0 for j = i
+     6  the generalized mass                    M by M
+     7  sum (-m ~r ~r + J)                      3 by 3
+     8  sum m ~r ~phi_j                         for a mode j, 3 by 3
+     9  sum m ~phi_i ~phi_j                     for a pair of modes, 3 by 3
+
+   Units are mass (1), mass times length (2, 3) and mass times length squared (4, 5, 7, 8, 9). All but 1 are new
+   arrays; null on failure, for an index out of range, and for 3 to 6, 8 and 9 of a body without modes. Each is
+   what was set, else what the dataset has, else the sum over the nodes, else (1, 2, 7) what the global mass
+   gives, else zeros; and it stays as it was first found.
+
+   Sums run over the nodes in node order, each product and each addition rounded by itself: 9 for i <= j as
+   incr_scalar_tilde_tilde adds, the others transposed; 5 from the off-diagonal entries of 9. So they are the
+   same on every machine. */
 double FMD_Invar1(FmdBody* body);
 double* FMD_Invar2(FmdBody* body);
+double* FMD_Invar3(FmdBody* body);
+double* FMD_Invar4(FmdBody* body);
+double* FMD_Invar5(FmdBody* body, int mode);
+double* FMD_Invar6(FmdBody* body);
 double* FMD_Invar7(FmdBody* body);
+double* FMD_Invar8(FmdBody* body, int mode);
+double* FMD_Invar9(FmdBody* body, int row, int column);
 
-/* Set an invariant; the first must be above zero, the last takes xx yy zz xy xz yz. */
+/* Set an invariant, or its part for a mode or a pair of modes, given by number; what is not set of it is zero and
+   is never computed. 1 must be above zero; 2 to 5 take three doubles; 6 takes M ones, the diagonal, and adds
+   them to the generalized mass; 7 takes xx yy zz xy xz yz; 8 and 9 take nine. 5 stores the negative and 9 the
+   transpose for the pair in reverse, last where both modes are one. 5 of a mode with itself that is not zero
+   and 9 that is not symmetric are stored with a warning. */
 int FMD_SetInvar1(FmdBody* body, double mass);
 int FMD_SetInvar2(FmdBody* body, double* moment);
+int FMD_SetInvar3(FmdBody* body, int mode, double* values);
+int FMD_SetInvar4(FmdBody* body, int mode, double* values);
+int FMD_SetInvar5(FmdBody* body, int row, int column, double* values);
+int FMD_SetInvar6(FmdBody* body, double* diagonal);
 int FMD_SetInvar7(FmdBody* body, double* values);
+int FMD_SetInvar8(FmdBody* body, int mode, double* values);
+int FMD_SetInvar9(FmdBody* body, int row, int column, double* values);
 
 /* Add s (a x b) to three doubles, and s ~a ~b, the product of the skew matrices, to nine. */
 void incr_scalar_tilde_vec(double* out, double s, double* a, double* b);

@@ -266,6 +266,11 @@ struct FmdBody {
   std::int32_t StatisticsCount;                           // records that ModalStatistics has
   std::int32_t PreloadCount;                              // doubles that ModalPreload has
   std::int32_t TransformationOrder;                       // order of the Transformation matrix
+  std::int32_t Invar3Modes;                               // modes that each invariant has been made for
+  std::int32_t Invar4Modes;
+  std::int32_t Invar5Modes;
+  std::int32_t Invar8Modes;
+  std::int32_t Invar9Modes;
 };
 
 namespace fmd {

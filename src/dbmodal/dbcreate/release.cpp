@@ -1,5 +1,6 @@
 #include "dbmodal/dbcreate/release.h"
 
+#include "dbmodal/dbinvar/invariant_storage.h"
 #include "dbmodal/dbmonpnt/monitor_points.h"
 #include "dbmodal/dbmtxop/matrix_operators.h"
 #include "fmdtoolkit/fmdtoolkit.h"
@@ -86,12 +87,10 @@ void release_invariants(FmdBody& body) {
   release(body.Invar2);
   release(body.Invar3);
   release(body.Invar4);
-  release_rows(body.Invar5, body.ModeCount);
+  release_value_rows(body.Invar5);
   release(body.Invar7);
-  release_rows(body.Invar8, body.ModeCount);
-  if (body.Invar9 == nullptr) return;
-  for (int mode = 0; mode < body.ModeCount; ++mode) release_rows(body.Invar9[mode], body.ModeCount);
-  release(body.Invar9);
+  release_value_rows(body.Invar8);
+  release_tensor_rows(body.Invar9);
 }
 
 void release_body(FmdBody* body) {

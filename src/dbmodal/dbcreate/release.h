@@ -9,7 +9,7 @@ namespace fmd {
 // Frees a body that is no longer on the list; its files and datablocks are closed, scratch ones deleted.
 void release_body(FmdBody* body);
 
-// Frees the inertia invariants; row counts are taken from the mode count.
+// Frees the inertia invariants.
 void release_invariants(FmdBody& body);
 
 }  // namespace fmd

@@ -4,28 +4,17 @@
 // global mass properties, and then stays in the cache.
 #include "dbmodal/dbinvar/rigid_invariants.h"
 
-#include <cstring>
-
 #include "body/body.h"
+#include "dbmodal/dbinvar/invariant_blocks.h"
+#include "dbmodal/dbinvar/invariant_results.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
 
 namespace {
 
-using fmd::kLength;
-using fmd::kMass;
-
-constexpr int kNodalMassBlock = 8;
-constexpr int kInvariant1Block = 18;
-constexpr int kInvariant2Block = 19;
-constexpr int kInvariant7Block = 23;
-
-// Reads a block of n reals and brings them to the body's units.
-bool read_block(FmdBody* body, double* values, int n, double factor) {
-  if (DB_ReadDOUBLEs(body->DataFile, values, n) == 0) return false;
-  FMD_Convert_Units(values, n, factor);
-  return true;
-}
+using fmd::kInvariant1Block;
+using fmd::kInvariant2Block;
+using fmd::kInvariant7Block;
 
 void sum_masses(FmdBody* body, double* mass) {
   for (int node = 0; node < body->NodeCount; ++node) *mass += body->Nodes[node].Mass;
@@ -66,24 +55,18 @@ void inertia_from_global(FmdBody* body, double* inertia) {
 struct RigidInvariant {
   int size;
   int block;
+  int length_power;  // of its unit, beside mass
   double* FmdBody::*cache;
   void (*from_nodes)(FmdBody*, double*);
   void (*from_global)(FmdBody*, double*);
 };
 
-constexpr RigidInvariant kInvariantOne = {1, kInvariant1Block, &FmdBody::Invar1, sum_masses,
-                                          mass_from_global};
-constexpr RigidInvariant kInvariantTwo = {3, kInvariant2Block, &FmdBody::Invar2, sum_first_moments,
-                                          moments_from_global};
-constexpr RigidInvariant kInvariantSeven = {9, kInvariant7Block, &FmdBody::Invar7, sum_inertias,
-                                            inertia_from_global};
-
-double unit_factor(const FmdBody* body, int size) {
-  const double mass = body->UnitTotalFactor[kMass];
-  const double length = body->UnitTotalFactor[kLength];
-  if (size == 1) return mass;
-  return size == 3 ? mass * length : mass * length * length;
-}
+constexpr RigidInvariant kInvariantOne = {1,          kInvariant1Block, 0, &FmdBody::Invar1,
+                                          sum_masses, mass_from_global};
+constexpr RigidInvariant kInvariantTwo = {
+    3, kInvariant2Block, 1, &FmdBody::Invar2, sum_first_moments, moments_from_global};
+constexpr RigidInvariant kInvariantSeven = {
+    9, kInvariant7Block, 2, &FmdBody::Invar7, sum_inertias, inertia_from_global};
 
 // The filled cache, or null after a failure that has been reported.
 const double* cached(FmdBody* body, const RigidInvariant& invariant) {
@@ -92,8 +75,9 @@ const double* cached(FmdBody* body, const RigidInvariant& invariant) {
   auto values = fmd::allocate<double>(invariant.size, "dbinvar");
   if (values == nullptr) return nullptr;
   if (FMD_goto_block(body, invariant.block) != 0) {
-    if (!read_block(body, values.get(), invariant.size, unit_factor(body, invariant.size))) return nullptr;
-  } else if (FMD_Exists(body, kNodalMassBlock) != 0) {
+    const double factor = fmd::mass_factor(*body, invariant.length_power);
+    if (!fmd::read_reals(body, values.get(), invariant.size, factor)) return nullptr;
+  } else if (FMD_Exists(body, fmd::kNodalMassBlock) != 0) {
     invariant.from_nodes(body, values.get());
   } else if (body->GlobalMass != 0.0) {
     invariant.from_global(body, values.get());
@@ -106,10 +90,7 @@ double* copy_of(FmdBody* body, const RigidInvariant& invariant) {
   if (CheckFMD(body) == 0) return nullptr;
   const double* values = cached(body, invariant);
   if (values == nullptr) return nullptr;
-  auto copy = fmd::allocate<double>(invariant.size, "dbinvar");
-  if (copy == nullptr) return nullptr;
-  std::memcpy(copy.get(), values, sizeof(double) * static_cast<std::size_t>(invariant.size));
-  return copy.release();
+  return fmd::copy_for_caller(values, invariant.size);
 }
 
 }  // namespace
