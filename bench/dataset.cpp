@@ -18,6 +18,7 @@
 
 #include "support/comparison.h"
 #include "support/environment.h"
+#include "support/memory.h"
 #include "support/sample_body.h"
 
 namespace {
@@ -85,21 +86,9 @@ bool holds_vector(const std::string& path, int mode, int nodes, bool xdr) {
   return memmem(all.data(), all.size(), expected.data(), expected.size()) != nullptr;
 }
 
-double status_megabytes(const std::string& field) {
-  std::ifstream status("/proc/self/status");
-  std::string line;
-  while (std::getline(status, line)) {
-    if (line.rfind(field + ":", 0) == 0) return std::atof(line.c_str() + field.size() + 1) / 1024.0;
-  }
-  return 0.0;
-}
-
 // Most resident memory during a write beyond what was resident before it.
 void report_memory(const char* name, FmdBody* body, const std::string& path, const char* options) {
-  std::ofstream("/proc/self/clear_refs") << "5";
-  const double before = status_megabytes("VmRSS");
-  write_dataset(body, path, options);
-  const double growth = status_megabytes("VmHWM") - before;
+  const auto [before, growth] = fmdbench::memory_use([&] { write_dataset(body, path, options); });
   std::printf("%-52s resident before %7.1f MiB  peak growth %6.1f MiB  bar < 64  %s\n", name, before, growth,
               growth < 64.0 ? "kept" : "MISSED");
   std::fflush(stdout);
