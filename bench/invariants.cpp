@@ -147,8 +147,9 @@ double run_kernel(Vectors& vectors, const fmd::TensorRows& tensors) {
   return seconds([&] { fmd::add_pair_sums(fmd::widest_vector_unit(), panel, tensors.get()); });
 }
 
-// One pair after the other, one node after the other, with the exported operation.
+// One pair after the other, one node after the other, with the exported operations.
 double run_plain_loop(Vectors& vectors, const fmd::TensorRows& tensors) {
+  double cross[3] = {};
   const int modes = vectors.size.modes;
   std::fill_n(tensors[0][0], std::int64_t{9} * modes * modes, 0.0);
   return seconds([&] {
@@ -157,8 +158,11 @@ double run_plain_loop(Vectors& vectors, const fmd::TensorRows& tensors) {
         double* a = vectors.of_mode(i);
         double* b = vectors.of_mode(j);
         double* tensor = tensors[static_cast<std::size_t>(i)][j];
-        for (int node = 0; node < vectors.size.nodes; ++node, a += 3, b += 3)
-          incr_scalar_tilde_tilde(tensor, vectors.mass[static_cast<std::size_t>(node)], a, b);
+        for (int node = 0; node < vectors.size.nodes; ++node, a += 3, b += 3) {
+          const double mass = vectors.mass[static_cast<std::size_t>(node)];
+          incr_scalar_tilde_tilde(tensor, mass, a, b);
+          incr_scalar_tilde_vec(cross, mass, a, b);
+        }
       }
     }
   });
@@ -173,11 +177,15 @@ double run_plain_job(FmdBody* body, Size size) {
     for (int i = 0; i < size.modes; ++i) {
       for (int j = i; j < size.modes; ++j) {
         double tensor[9] = {};
+        double cross[3] = {};
         require(FMD_Mode(body, i + 1, 0, a.data(), 0) == 1, "a mode can be read");
         require(FMD_Mode(body, j + 1, 0, b.data(), 0) == 1, "a mode can be read");
-        for (int node = 0; node < size.nodes; ++node)
-          incr_scalar_tilde_tilde(tensor, FMD_NodalMass(body, node), &a[static_cast<std::size_t>(node) * 3],
-                                  &b[static_cast<std::size_t>(node) * 3]);
+        for (int node = 0; node < size.nodes; ++node) {
+          double* at_a = &a[static_cast<std::size_t>(node) * 3];
+          double* at_b = &b[static_cast<std::size_t>(node) * 3];
+          incr_scalar_tilde_tilde(tensor, FMD_NodalMass(body, node), at_a, at_b);
+          incr_scalar_tilde_vec(cross, FMD_NodalMass(body, node), at_a, at_b);
+        }
       }
     }
   });

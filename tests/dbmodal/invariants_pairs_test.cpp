@@ -240,7 +240,7 @@ TEST_F(InvariantsOfPairs, PanelsOfAnyLengthGiveTheTranslationsOfFetches) {
     if (keep == 1) body->ModeMemoryCapacity = 2;
     for (const int nodes : {1, 4, 29, 100}) {
       fmd::ModePanels panels;
-      ASSERT_TRUE(panels.open(body, 48 * 3 * nodes));
+      ASSERT_TRUE(panels.open(body, nodes));
       ASSERT_EQ(panels.panel_nodes(), std::min(nodes, 29));
       for (int first = 0; first < 29; first += panels.panel_nodes()) {
         const int count = std::min(panels.panel_nodes(), 29 - first);
@@ -276,7 +276,7 @@ TEST_F(InvariantsOfPairs, PanelsAreReadFromAStoreInSinglePrecision) {
   ASSERT_EQ(DB_ReOpenScratch(stream.Block), 1);
   FMD_SetKeepModesInMemory(body, 0);
   fmd::ModePanels panels;
-  ASSERT_TRUE(panels.open(body, 48 * 2 * 3));
+  ASSERT_TRUE(panels.open(body, 3));
   for (int first = 0; first < 9; first += 3) {
     const fmd::ModeTranslations* pieces = panels.read(first, 3);
     for (int mode = 0; mode < 2; ++mode) {
@@ -288,13 +288,22 @@ TEST_F(InvariantsOfPairs, PanelsAreReadFromAStoreInSinglePrecision) {
   }
 }
 
-// More nodes than one panel of two modes holds.
+TEST_F(InvariantsOfPairs, PanelsKeepTheirBoundForAnyNumberOfModes) {
+  for (const int modes : {1, 2, 60, 100, 1000, 10000, 100000, 2000000000}) {
+    const std::int64_t nodes = fmd::ModePanels::suitable_nodes(modes);
+    EXPECT_GE(nodes, 1);
+    EXPECT_TRUE(nodes == 1 || nodes * modes * 48 <= (24 << 20)) << modes;
+    EXPECT_TRUE(nodes >= 1024 || nodes * modes * 48 + 48 * std::int64_t{modes} > (24 << 20)) << modes;
+  }
+}
+
+// More nodes than two panels of two modes hold.
 TEST_F(InvariantsOfPairs, ManyNodesAreSummedPanelByPanel) {
-  constexpr int kNodes = 262144 + 1000;
-  FmdBody* body = FMD_Create(kNodes, 2);
+  const int node_count = 2 * fmd::ModePanels::suitable_nodes(2) + 1000;
+  FmdBody* body = FMD_Create(node_count, 2);
   Nine expected{};
   Nine own{};
-  for (int node = 0; node < kNodes; ++node) {
+  for (int node = 0; node < node_count; ++node) {
     double a[3] = {1.0 / (node + 1), 0.5 * (node % 7), -0.25 * (node % 11)};
     double b[3] = {0.1 * (node % 13), -1.0, 3.0 / (node + 2)};
     FMD_SetNodalMass(body, node + 1, 0.001 * (node % 5));

@@ -45,14 +45,22 @@ bool read_nodes(const FmdBody& body, int index, int first_node, int nodes, doubl
 
 }  // namespace
 
-bool ModePanels::open(FmdBody* body, std::int64_t panel_bytes) {
+int ModePanels::suitable_nodes(int modes) {
+  constexpr std::int64_t kCachedBytes = std::int64_t{6} << 20;
+  constexpr std::int64_t kMostBytes = std::int64_t{24} << 20;
+  constexpr std::int64_t kWorthReading = 1024;
+  const std::int64_t per_node = std::int64_t{modes} * kValuesPerNode * std::int64_t{sizeof(double)};
+  const std::int64_t wanted = std::max(kCachedBytes / per_node, kWorthReading);
+  return static_cast<int>(std::max<std::int64_t>(std::min(wanted, kMostBytes / per_node), 1));
+}
+
+bool ModePanels::open(FmdBody* body, int panel_nodes) {
   body_ = body;
   if (!make(sources_, body->ModeCount) || !make(modes_, body->ModeCount)) return false;
   const bool has_shapes = body->ModePositions[kShape] != nullptr && body->ModeNodeCount[kShape] > 0;
   if (has_shapes && body->KeepModesInMemory != 0 && !fill_cache()) return false;
   for (int mode = 0; has_shapes && mode < body->ModeCount; ++mode) settle(mode);
-  const std::int64_t per_node = std::int64_t{body->ModeCount} * kValuesPerNode * std::int64_t{sizeof(double)};
-  panel_nodes_ = static_cast<int>(std::clamp<std::int64_t>(panel_bytes / per_node, 1, body->NodeCount));
+  panel_nodes_ = std::clamp(panel_nodes, 1, body->NodeCount);
   return provide_pieces();
 }
 

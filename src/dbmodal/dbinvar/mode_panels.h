@@ -16,11 +16,13 @@ namespace fmd {
 
 class ModePanels {
  public:
-  static constexpr std::int64_t kPanelBytes = std::int64_t{24} << 20;
+  // Nodes of a panel for so many modes: what stays in the third cache, yet pieces worth a reading, and in all
+  // no more than 24 MiB.
+  static int suitable_nodes(int modes);
 
-  // Settles the sources, with panels of as many nodes as the bytes hold; false where there is no memory. Says
-  // nothing of its own.
-  bool open(FmdBody* body, std::int64_t panel_bytes = kPanelBytes);
+  // Settles the sources, with panels of at most so many nodes; false where there is no memory. Says nothing
+  // of its own.
+  bool open(FmdBody* body, int panel_nodes);
 
   // Nodes of a panel; the last one may have fewer.
   int panel_nodes() const { return panel_nodes_; }

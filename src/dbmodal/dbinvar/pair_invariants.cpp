@@ -32,7 +32,7 @@ CArray<double> quiet_doubles(std::int64_t count) {
 // Sums the pairs i <= j over all nodes.
 bool sum_pairs(FmdBody* body, double* const* const* tensors) {
   fmd::ModePanels panels;
-  if (!panels.open(body)) return false;
+  if (!panels.open(body, fmd::ModePanels::suitable_nodes(body->ModeCount))) return false;
   const int block = block_nodes(body->ModeCount);
   const auto mass = quiet_doubles(panels.panel_nodes());
   const auto workspace = quiet_doubles(fmd::pair_sums_workspace(body->ModeCount, block));
