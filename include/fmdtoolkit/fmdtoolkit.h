@@ -367,8 +367,8 @@ int FMD_TotalMassInertia(FmdBody* body, double* mass, double* inertia, double* c
 int FMD_CalculateGlobalMassFromNodeMass(FmdBody* body);
 
 /* Inertia invariants, over nodes p with mass m, place r, inertia tensor J and modes with translations phi and
-   rotations theta; ~x is the skew matrix of x, so that ~x y = x cross y. M is FMD_ModeCount; modes are given by
-   index, in index order.
+   rotations theta; ~x is the skew matrix of x, so that ~x y = x cross y. M is FMD_ModeCount; modes are given
+   by index, in index order.
 
      1  sum m                                   a double
      2  sum m r                                 3
@@ -380,10 +380,10 @@ int FMD_CalculateGlobalMassFromNodeMass(FmdBody* body);
      8  sum m ~r ~phi_j                         for a mode j, 3 by 3
      9  sum m ~phi_i ~phi_j                     for a pair of modes, 3 by 3
 
-   Units are mass (1), mass times length (2, 3) and mass times length squared (4, 5, 7, 8, 9). All but 1 are new
-   arrays; null on failure, for an index out of range, and for 3 to 6, 8 and 9 of a body without modes. Each is
-   what was set, else what the dataset has, else the sum over the nodes, else (1, 2, 7) what the global mass
-   gives, else zeros; and it stays as it was first found.
+   Units are mass (1), mass times length (2, 3) and mass times length squared (4, 5, 7, 8, 9). All but 1 are
+   new arrays; null on failure, for an index out of range, and for 3 to 6, 8 and 9 of a body without modes.
+   Each is what was set, else what the dataset has, else the sum over the nodes, else (1, 2, 7) what the
+   global mass gives, else zeros; and it stays as it was first found.
 
    Sums run over the nodes in node order, each product and each addition rounded by itself: 9 for i <= j as
    incr_scalar_tilde_tilde adds, the others transposed; 5 from the off-diagonal entries of 9. So they are the
@@ -398,11 +398,11 @@ double* FMD_Invar7(FmdBody* body);
 double* FMD_Invar8(FmdBody* body, int mode);
 double* FMD_Invar9(FmdBody* body, int row, int column);
 
-/* Set an invariant, or its part for a mode or a pair of modes, given by number; what is not set of it is zero and
-   is never computed. 1 must be above zero; 2 to 5 take three doubles; 6 takes M ones, the diagonal, and adds
-   them to the generalized mass; 7 takes xx yy zz xy xz yz; 8 and 9 take nine. 5 stores the negative and 9 the
-   transpose for the pair in reverse, last where both modes are one. 5 of a mode with itself that is not zero
-   and 9 that is not symmetric are stored with a warning. */
+/* Set an invariant, or its part for a mode or a pair of modes, given by number; what is not set of it is zero
+   and is never computed. 1 must be above zero; 2 to 5 take three doubles; 6 takes M ones, the diagonal, and
+   adds them to the generalized mass; 7 takes xx yy zz xy xz yz; 8 and 9 take nine. 5 stores the negative and
+   9 the transpose for the pair in reverse, last where both modes are one. 5 of a mode with itself that is not
+   zero and 9 that is not symmetric are stored with a warning. */
 int FMD_SetInvar1(FmdBody* body, double mass);
 int FMD_SetInvar2(FmdBody* body, double* moment);
 int FMD_SetInvar3(FmdBody* body, int mode, double* values);
@@ -560,29 +560,30 @@ double FMD_UCF(FmdBody* body);
 int FMD_SetFaceList(FmdBody* body, int count, int* ids);
 int FMD_SetFace(FmdBody* body, int count, ...);
 
-/* Number of faces, and of ints in the face list: per face its corner count, then its node indices. The result is
-   the length of the list, 0 for a null body; FMD_ElementFaces answers 1, or 0 where there is no list. */
+/* Number of faces, and of ints in the face list: per face its corner count, then its node indices. The result
+   is the length of the list, 0 for a null body; FMD_ElementFaces answers 1, or 0 where there is no list. */
 int FMD_FaceListSize(FmdBody* body, int* faces, int* length);
 int FMD_ElementFaces(FmdBody* body, int* list);
 
-/* Strips the faces that two elements share: of faces with the same corners those of opposite orientation go in
-   pairs, of those with one orientation the last stays. The rest is sorted. Runs once per body; a body without
-   faces gets the message of a failed allocation. */
+/* Strips the faces that two elements share: of faces with the same corners those of opposite orientation go
+   in pairs, of those with one orientation the last stays. The rest is sorted. Runs once per body; a body
+   without faces gets the message of a failed allocation. */
 void FMD_StripCommonFaces(FmdBody* body);
 
 /* The nodes that faces, interface nodes and nodal modal loads refer to: new array of count node indices,
    ascending, or null with count 0. Worked out once: faces and nodes added later are not in it. */
 int* FMD_GeometryNodes(FmdBody* body, int* count);
 
-/* Strips common faces and removes all nodes that are not geometry nodes, with their rows of all mode data; the
-   nodes that stay come in ascending order of their old indices. Runs once per body. 1 once the interior faces
-   have gone, also where the nodes then could not be removed: a message has said so and the body has them all.
+/* Strips common faces and removes all nodes that are not geometry nodes, with their rows of all mode data;
+   the nodes that stay come in ascending order of their old indices. Runs once per body. 1 once the interior
+   faces have gone, also where the nodes then could not be removed: a message has said so and the body has
+   them all.
    */
 int FMD_RemoveInternalGeometry(FmdBody* body);
 
-/* Replaces the faces by those of a text file: the face count, then for each face its corner count and its node
-   ids, with white space between the numbers. The nodes must exist. What is wrong with a file is a warning, and
-   the body then keeps its faces. */
+/* Replaces the faces by those of a text file: the face count, then for each face its corner count and its
+   node ids, with white space between the numbers. The nodes must exist. What is wrong with a file is a
+   warning, and the body then keeps its faces. */
 void FMD_SketchGrid(FmdBody* body, char* path);
 
 /* 1 if the faces have been sketched or coarsened, or have more than four corners. */
@@ -616,6 +617,9 @@ int* FMD_ClosestNodesInNeighborhood(FmdBody* body, double* point, double radius,
    when the result is 1; otherwise what went wrong has been reported and no file is left. A write edits the
    body: it orthonormalises and numbers its modes and fills its statistics. */
 int FMD_write_FMD(FmdBody* body, char* path);
+
+/* Lists one block of the body, by its number 1 to 35, as text. What is listed is the body as it stands. */
+void FMD_Contents(FmdBody* body, int block, FILE* out);
 
 /* --------------------------------------------------------------- record layer -- */
 
@@ -661,8 +665,187 @@ float* double2float(float* to, const double* from, int n);
 int FileSeek_Win32(FILE* file, long long offset, int origin);
 long long FileTell_Win32(FILE* file);
 
+/* ----------------------------------------- interface table and forwarders -- */
+
+/* Writes the functions of the interface into the host's table of 172 pointers, in their fixed order; entries
+   without a function keep what the host put there. Always 1; the pointer is not tested. */
+int PopulateInterface(void** table);
+
+/* Kind of flexibility: always 1. Whether the discrete method is used: always 0. */
+int DB_GetFlexType(void);
+int FMD_DiscreteMethod(void);
+
+/* Does nothing. */
+void _terminate(void);
+
+/* Each DB_ name below passes its arguments to the FMD_ operation of that name and returns its result. */
+FmdBody* DB_Create(int nodeCount, int modeCount);
+int DB_SetInvar1(FmdBody* body, double mass);
+int DB_SetInvar2(FmdBody* body, double* moment);
+int DB_SetInvar3(FmdBody* body, int mode, double* values);
+int DB_SetInvar4(FmdBody* body, int mode, double* values);
+int DB_SetInvar5(FmdBody* body, int row, int column, double* values);
+int DB_SetInvar6(FmdBody* body, double* diagonal);
+int DB_SetInvar7(FmdBody* body, double* values);
+int DB_SetInvar8(FmdBody* body, int mode, double* values);
+int DB_SetInvar9(FmdBody* body, int row, int column, double* values);
+void DB_SetUnits(FmdBody* body, char* mass, char* length, char* time, char* force);
+void DB_Units(FmdBody* body, char* mass, char* length, char* time, char* force);
+double DB_Mass2Kilogram(FmdBody* body, double value);
+double DB_Force2Newton(FmdBody* body, double value);
+double DB_Length2Meter(FmdBody* body, double value);
+double DB_Time2Second(FmdBody* body, double value);
+int DB_SetHeader(FmdBody* body, char* title, char* inputFileName, char* inputFileType, char* comment1,
+                 char* comment2, char* comment3);
+void DB_Header(FmdBody* body, char* title, char* creationTime, char* inputFileName, char* inputFileType,
+               char* comment1, char* comment2, char* comment3);
+int DB_SetGlobalMass(FmdBody* body, double mass, double* center, double* inertia);
+int DB_TotalMassInertia(FmdBody* body, double* mass, double* inertia, double* center);
+double DB_BodySize(FmdBody* body);
+int DB_NodeIndex(FmdBody* body, int id);
+int DB_NodeID(FmdBody* body, int index);
+int DB_ModeIndex(FmdBody* body, int number);
+int DB_ModeNumber(FmdBody* body, int index);
+int DB_ModeNodeCount(FmdBody* body, int type);
+int DB_ModeNodeIndex(FmdBody* body, int type, int id);
+int DB_ModeNodeID(FmdBody* body, int type, int index);
+int DB_NodeCount(FmdBody* body);
+int DB_SetNodeCoordinates(FmdBody* body, int id, double x, double y, double z);
+int DB_NodeCoordinates(FmdBody* body, int index, double* xyz);
+int DB_NodeCoordinateList(FmdBody* body, double* xyz, int* count);
+int DB_ClosestNode(FmdBody* body, double* point, int interfaceOnly);
+int* DB_ClosestNodes(FmdBody* body, double* point, int wanted, int interfaceOnly, int* found);
+int* DB_ClosestNodesInNeighborhood(FmdBody* body, double* point, double radius, int interfaceOnly,
+                                   int* found);
+int DB_SetNodalMass(FmdBody* body, int id, double mass);
+double DB_NodalMass(FmdBody* body, int index);
+int DB_SetNodalInertia(FmdBody* body, int id, double i11, double i22, double i33, double i12, double i13,
+                       double i23);
+int DB_NodalInertia(FmdBody* body, int index, double* tensor);
+int DB_SetNodalInertiaEntry(FmdBody* body, int id, int row, int column, double value);
+int DB_SetFaceList(FmdBody* body, int count, int* ids);
+int DB_FaceListSize(FmdBody* body, int* faces, int* length);
+int DB_ElementFaces(FmdBody* body, int* list);
+int DB_RemoveInternalGeometry(FmdBody* body);
+int DB_IsCoarsened(FmdBody* body);
+int DB_SetInterfaceNode(FmdBody* body, int id);
+int* DB_InterfaceNodeIDs(FmdBody* body, int* count);
+int DB_SetModeVec(FmdBody* body, int mode, int node, int type, double* values);
+int DB_SetMode(FmdBody* body, int mode, int node, int type, double v1, double v2, double v3, double v4,
+               double v5, double v6);
+int DB_ModeCount(FmdBody* body);
+int DB_ModeExist(FmdBody* body, int type);
+int DB_Mode(FmdBody* body, int mode, int type, double* values, int part);
+int DB_Double_Prec(FmdBody* body);
+int DB_Read_Mode_Single(FmdBody* body, int mode, int type, float* values);
+int DB_Read_Mode_Double(FmdBody* body, int mode, int type, double* values);
+int DB_ModeByNode(FmdBody* body, int mode, int type, int node, double* values, int part);
+int DB_SetModeEntry(FmdBody* body, int mode, int node, int type, int dof, double value);
+int DB_SetGeneralizedMass(FmdBody* body, int row, int column, double value);
+int DB_SetGeneralizedStiffness(FmdBody* body, int row, int column, double value);
+int DB_SetGeneralizedDamping(FmdBody* body, int row, int column, double value);
+int DB_NumberOfGenStiff(FmdBody* body);
+int DB_GenStiffSelected(FmdBody* body, double** rows, int n, int* selected);
+int DB_GenStiffFull(FmdBody* body, double* matrix, int n);
+int DB_GenStiffSparse(FmdBody* body, double* values, int* rows, int* columns);
+int DB_NumberOfGenMass(FmdBody* body);
+int DB_GenMassSelected(FmdBody* body, double** rows, int n, int* selected);
+int DB_GenMassSparse(FmdBody* body, double* values, int* rows, int* columns);
+int DB_GenMassFull(FmdBody* body, double* matrix, int n);
+int DB_GenDampExist(FmdBody* body);
+int DB_NumberOfGenDamp(FmdBody* body);
+int DB_GenDampPrincipalAndSelected(FmdBody* body, double** rows, int n, int* selected);
+int DB_GenDampSparse(FmdBody* body, double* values, int* rows, int* columns);
+int DB_GenDampFull(FmdBody* body, double* matrix, int n);
+int DB_Eigenvalue(FmdBody* body, int mode, double* eigenvalue, double* hertz, double* radians, double* mass,
+                  double* stiffness);
+int DB_Transformation(FmdBody* body, double* matrix);
+int DB_SetTransformation(FmdBody* body, double* matrix);
+int DB_SetModalPreload(FmdBody* body, int mode, double value);
+double* DB_GetModalPreload(FmdBody* body, int* count);
+int DB_ModalPreloadExist(FmdBody* body);
+int DB_SetModalLoadLabel(FmdBody* body, int load_case, char* label);
+int DB_GetModalLoadCaseLabel(FmdBody* body, int load_case, char* label);
+int DB_SetModalLoad(FmdBody* body, int load_case, int mode, double value);
+double* DB_GetModalLoad(FmdBody* body, int load_case, int* count);
+int DB_GetModalLoadCaseCount(FmdBody* body);
+int DB_SetModalLoadNodal(FmdBody* body, int load_case, int node, int coordinate, double value);
+int DB_GetModalLoadNodalCaseCount(FmdBody* body);
+int DB_GetModalLoadNodalCount(FmdBody* body, int load_case);
+int* DB_GetModalLoadNodalNode(FmdBody* body, int load_case);
+int* DB_GetModalLoadNodalCoord(FmdBody* body, int load_case);
+double* DB_GetModalLoadNodalLoad(FmdBody* body, int load_case);
+int DB_ModalStatisticsExist(FmdBody* body);
+int DB_GetMaxModeDisplacement(FmdBody* body, int mode, int* node, double* value);
+int DB_GetMaxModeRotation(FmdBody* body, int mode, int* node, double* value);
+int DB_GetMaxVonMisesStress(FmdBody* body, int mode, int* node, double* value);
+int DB_GetMaxVonMisesStrain(FmdBody* body, int mode, int* node, double* value);
+int DB_write_FMD(FmdBody* body, char* path);
+int DB_Version(FmdBody* body);
+void DB_Destroy(void);
+void DB_UnLink(FmdBody* body);
+void DB_DeReference(FmdBody* body);
+void DB_Terminate(void);
+void DB_FreeMemory(void* pointer);
+void DB_Contents(FmdBody* body, int block, FILE* out);
+double DB_Invar1(FmdBody* body);
+double* DB_Invar2(FmdBody* body);
+double* DB_Invar3(FmdBody* body);
+double* DB_Invar4(FmdBody* body);
+double* DB_Invar5(FmdBody* body, int mode);
+double* DB_Invar6(FmdBody* body);
+double* DB_Invar7(FmdBody* body);
+double* DB_Invar8(FmdBody* body, int mode);
+double* DB_Invar9(FmdBody* body, int row, int column);
+int DB_RigidBodyModeCount(FmdBody* body);
+void DB_RigidBodyForcesOnPrincipalAxes(FmdBody* body);
+int DB_DampingOnPrincipalAxes(FmdBody* body);
+int DB_Exists(FmdBody* body, int id);
+double DB_UCF(FmdBody* body);
+int DB_ModalLoadProcessed(FmdBody* body, int load_case);
+int* DB_InterfaceNodes(FmdBody* body, int* count);
+void DB_SetVersion(FmdBody* body, int version);
+void DB_SetModalLoadProcessed(FmdBody* body, int load_case, int flag);
+int DB_ModalPreloadProcessed(FmdBody* body);
+void DB_SetModalPreloadProcessed(FmdBody* body, int flag);
+void DB_SetShouldMassNormalizeModes(FmdBody* body, int flag);
+int DB_IsValid(FmdBody* body);
+int DB_ModeByRef(FmdBody* body, int mode, int type, double** values, int part);
+void DB_SetMonitorPointInfo(FmdBody* body, int type, int resultType, int component, int loadOperatorCount,
+                            double* location, char* name, char* label);
+int DB_SetMonitorPointOperator(FmdBody* body, int index, int kind, double* data);
+int DB_GetMonitorPointCount(FmdBody* body);
+int DB_GetMonitorPointType(FmdBody* body, int index);
+int DB_GetMonitorPointResultType(FmdBody* body, int index);
+int DB_GetMonitorPointComponent(FmdBody* body, int index);
+int DB_GetMonitorPointNameLabel(FmdBody* body, int index, char* name, char* label);
+int DB_GetMonitorPointOperatorSize(FmdBody* body, int index, int* rows, int* columns);
+int DB_GetMonitorPointNumLoadOperator(FmdBody* body, int index);
+int DB_GetMonitorPointOperator(FmdBody* body, int index, int kind, double* out);
+int DB_MonitorPointHasOperator(FmdBody* body, int index, int kind);
+int DB_RenumberInterfaceNodes(FmdBody* body, int count, int* ids);
+int DB_RenumberNodes(FmdBody* body, int offset);
+int DB_GetFreeEdgeCount(FmdBody* body);
+int DB_GetFreeEdgeSize(FmdBody* body, int chain);
+int DB_GetFreeEdge(FmdBody* body, int chain, int* out);
+int DB_SetMatrixOperatorInfo(FmdBody* body, char* name, char** labels, int rowCount);
+int DB_SetMatrixOperatorData(FmdBody* body, int index, char* tag, int columnCount, double* data);
+int DB_GetMatrixOperatorCount(FmdBody* body);
+int DB_GetMatrixOperatorNumRows(FmdBody* body, int index);
+int DB_GetMatrixOperatorName(FmdBody* body, int index, char* name);
+int DB_GetMatrixOperatorLabels(FmdBody* body, int index, char** labels);
+int DB_GetMatrixOperatorNumSubOperator(FmdBody* body, int index);
+int DB_GetMatrixOperatorSubNumCols(FmdBody* body, int index, int sub);
+int DB_GetMatrixOperatorSubTag(FmdBody* body, int index, int sub, char* tag);
+int DB_GetMatrixOperatorSubData(FmdBody* body, int index, int sub, double* out);
+
 #ifdef __cplusplus
 }
+
+/* These two carry their argument types in their symbols. DB_SetFace packs its node ids into a new array,
+   which it leaves allocated. */
+int DB_AnsysAddGenMass(void* body, int firstCount, int secondCount);
+int DB_SetFace(void* body, int count, ...);
 #endif
 #if defined(__GNUC__)
 #pragma GCC visibility pop

@@ -3,6 +3,7 @@
 #define FMDTOOLKIT_DBMODAL_BLOCK_TABLE_H
 
 #include <array>
+#include <cstdio>
 
 #include "body/body.h"
 
@@ -17,7 +18,9 @@ struct Block {
   int summary_byte;           // of BlockExists, or kAlwaysPresent
   const char* name;           // as listed to people
   const char* write_failure;  // what is reported when the block cannot be written
-  bool (*write)(WriteJob&);   // null where the writer has the block's place but not its content yet
+  bool (*write)(WriteJob&);   // null for the blocks that always exist
+  const char* title;          // in the banner of its listing; null where the listing prints its own
+  void (*list)(FmdBody*, std::FILE*);
 };
 
 const std::array<Block, kBlockCount>& block_table();
@@ -40,11 +43,21 @@ bool write_interface_nodes(WriteJob& job);
 bool write_modal_stress(WriteJob& job);
 bool write_invariant_1(WriteJob& job);
 bool write_invariant_2(WriteJob& job);
+bool write_invariant_3(WriteJob& job);
+bool write_invariant_4(WriteJob& job);
+bool write_invariant_5(WriteJob& job);
 bool write_invariant_7(WriteJob& job);
+bool write_invariant_8(WriteJob& job);
+bool write_invariant_9(WriteJob& job);
+bool write_modal_preload(WriteJob& job);
+bool write_modal_loads(WriteJob& job);
 bool write_modal_strain(WriteJob& job);
 bool write_modal_statistics(WriteJob& job);
 bool write_pre_stress(WriteJob& job);
 bool write_pre_strain(WriteJob& job);
+bool write_monitor_points(WriteJob& job);
+bool write_matrix_operators(WriteJob& job);
+bool write_modal_load_nodal(WriteJob& job);
 
 }  // namespace fmd
 

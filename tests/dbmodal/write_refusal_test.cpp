@@ -28,8 +28,7 @@ class RefusedOption : public Refusal, public ::testing::WithParamInterface<const
 
 INSTANTIATE_TEST_SUITE_P(Of, RefusedOption,
                          ::testing::Values("lbrf2cm", "sketch(mesh.txt)", "sketch(\"mesh.txt\")",
-                                           "strip_face", "coarsen(0.5)", "full_invar", "fast_invar", "empty",
-                                           "MKS"),
+                                           "strip_face", "coarsen(0.5)", "MKS"),
                          [](const auto& form) { return "Case" + std::to_string(form.index); });
 
 TEST_P(RefusedOption, IsNamedAndLeavesNoFile) {
@@ -60,10 +59,8 @@ TEST_F(Refusal, OfModesThatNeedNormalisation) {
 class RefusedBlock : public Refusal, public ::testing::WithParamInterface<int> {};
 
 INSTANTIATE_TEST_SUITE_P(OfSummaryByte, RefusedBlock,
-                         ::testing::Values(fmd::kInvariant3, fmd::kInvariant4, fmd::kInvariant5,
-                                           fmd::kInvariant8, fmd::kInvariant9, fmd::kModalPreload,
-                                           fmd::kModalLoads, fmd::kMonitorPoints, fmd::kMatrixOperators,
-                                           fmd::kModalLoadNodal));
+                         ::testing::Values(fmd::kModalPreload, fmd::kModalLoads, fmd::kMonitorPoints,
+                                           fmd::kMatrixOperators, fmd::kModalLoadNodal));
 
 TEST_P(RefusedBlock, LeavesNoFile) {
   FmdBody* body = make_sample_body();

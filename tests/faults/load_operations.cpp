@@ -1,4 +1,7 @@
 // Loads, rigid modes, dense algebra, monitor points and matrix operators.
+#include <algorithm>
+#include <cstdio>
+
 #include "faults/operations.h"
 
 namespace fmdtest {
@@ -50,6 +53,31 @@ void factored_matrix(Scene& s) {
 }  // namespace
 
 const std::vector<Operation> load_operations = {
+    {"PopulateInterface", no_body,
+     [](Scene&) {
+       void* table[172] = {};
+       return PopulateInterface(table) == 1 && table[0] != nullptr;
+     }},
+    {"DB_GetFlexType", no_body, [](Scene&) { return DB_GetFlexType() == 1; }},
+    {"FMD_DiscreteMethod", no_body, [](Scene&) { return FMD_DiscreteMethod() == 0; }},
+    {"_terminate", no_body,
+     [](Scene&) {
+       _terminate();
+       return true;
+     }},
+    {"FMD_Contents", body_with_monitors,
+     [](Scene& s) {
+       // The report has no result: it is complete when it is as long as it is with memory.
+       static long whole = 0;
+       FILE* const out = std::tmpfile();
+       for (int block = 1; block <= 35; ++block) FMD_Contents(s.body, block, out);
+       const long length = std::ftell(out);
+       std::fclose(out);
+       whole = std::max(whole, length);
+       return length == whole;
+     },
+     Failure::kSilent},
+
     {"FMD_SetModalPreload", full_body, [](Scene& s) { return FMD_SetModalPreload(s.body, 1, 2.0) == 1; }},
     {"FMD_GetModalPreload", body_with_loads,
      [](Scene& s) { return free_and_tell(FMD_GetModalPreload(s.body, s.ints)); }, Failure::kSilent},

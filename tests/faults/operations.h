@@ -28,13 +28,14 @@ std::vector<Operation> all_operations();
 std::ostream& operator<<(std::ostream& out, const Operation& operation);
 
 // The tables behind it.
-extern const std::vector<Operation> frame_operations;     // messages, lifecycle, units, small helpers
-extern const std::vector<Operation> table_operations;     // nodes, modes, header, nodal data, faces
-extern const std::vector<Operation> geometry_operations;  // internal geometry, free edges, nearest nodes
-extern const std::vector<Operation> mode_operations;      // vectors, cache, statistics
-extern const std::vector<Operation> matrix_operations;    // matrices, mass, invariants, dataset
-extern const std::vector<Operation> load_operations;      // loads, rigid modes, monitors, operators
-extern const std::vector<Operation> record_operations;    // record streams
+extern const std::vector<Operation> frame_operations;      // messages, lifecycle, units, small helpers
+extern const std::vector<Operation> table_operations;      // nodes, modes, header, nodal data, faces
+extern const std::vector<Operation> geometry_operations;   // internal geometry, free edges, nearest nodes
+extern const std::vector<Operation> mode_operations;       // vectors, cache, statistics
+extern const std::vector<Operation> matrix_operations;     // matrices, mass, invariants, dataset
+extern const std::vector<Operation> load_operations;       // loads, rigid modes, monitors, operators
+extern const std::vector<Operation> invariant_operations;  // invariants over modes
+extern const std::vector<Operation> record_operations;     // record streams
 
 }  // namespace fmdtest
 

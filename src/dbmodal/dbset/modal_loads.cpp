@@ -111,6 +111,8 @@ int FMD_SetModalLoadLabel(FmdBody* body, int load_case, char* label) {
   if (CheckFMD(body) == 0 || load_case < 0 || !provide_case(*body, load_case)) return 0;
   char(&stored)[256] = body->LoadCases[load_case].Label;
   const std::size_t length = std::strlen(label);
+  // The field goes into a dataset as it stands, so nothing of an older label may be left in it.
+  std::memset(stored, 0, sizeof stored);
   if (length == 0) {
     std::snprintf(stored, sizeof stored, "%d", load_case + 1);
     return 1;

@@ -50,13 +50,6 @@ bool write_by_mode_number(WriteJob& job, int count, SparseGetter get) {
   return true;
 }
 
-bool write_array(WriteJob& job, double* values, int count) {
-  const CArray<double> owned(values);
-  if (owned == nullptr) return false;
-  job.sink->put_reals(owned.get(), as_size(count));
-  return true;
-}
-
 }  // namespace
 
 bool write_generalized_stiffness(WriteJob& job) {
@@ -90,19 +83,6 @@ bool write_transformation(WriteJob& job) {
     job.sink->put_reals(from, as_size(modes));
   }
   return true;
-}
-
-bool write_invariant_1(WriteJob& job) {
-  job.sink->put_real(FMD_Invar1(job.body));
-  return job.body->Invar1 != nullptr;
-}
-
-bool write_invariant_2(WriteJob& job) {
-  return write_array(job, FMD_Invar2(job.body), 3);
-}
-
-bool write_invariant_7(WriteJob& job) {
-  return write_array(job, FMD_Invar7(job.body), 9);
 }
 
 }  // namespace fmd

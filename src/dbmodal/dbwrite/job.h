@@ -20,9 +20,10 @@ struct WriteJob {
   WriteOptions options;
   std::uint32_t version = 0;  // as chosen, before the coarsened bit
   char summary[kSummaryBytes] = {};
-  int first_mode = 0;  // index of the first exported mode
-  int mode_count = 0;  // exported modes
-  bool ok = true;      // once cleared, nothing further is written
+  int first_mode = 0;            // index of the first exported mode
+  int mode_count = 0;            // exported modes
+  bool may_change_units = true;  // false after a failed invariant stage
+  bool ok = true;                // once cleared, nothing further is written
 
   int level() const { return format_level(version); }
   // Levels that carry old style element topology.

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "dbmodal/dbwrite/frequency_band.h"
+#include "dbmodal/dbwrite/invariant_stage.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
 
@@ -14,17 +15,6 @@ namespace {
 void refuse_option(WriteJob& job, const char* option) {
   FMD_Error("The write option %s is not available yet.", option);
   job.ok = false;
-}
-
-void copy_from_body(WriteJob& job, int first, int last) {
-  for (int byte = first; byte <= last; ++byte) job.summary[byte] = job.body->BlockExists[byte];
-}
-
-// A body with faces has one of two blocks, by level.
-void place_faces(WriteJob& job) {
-  const char* const exists = job.body->BlockExists;
-  if (exists[kElementFaces] == 0 && exists[kElementTopology] == 0) return;
-  job.summary[job.is_old_style() ? kElementTopology : kElementFaces] = 1;
 }
 
 void run_orthonormal_stage(WriteJob& job) {
@@ -46,15 +36,6 @@ void keep_modes_as_they_are(WriteJob& job) {
   job.summary[kGeneralizedMass] = 1;
   job.first_mode = 0;
   job.mode_count = job.body->ModeCount;
-}
-
-void run_invariant_stage(WriteJob& job) {
-  if (job.options.full_invariants) return refuse_option(job, "full_invar");
-  if (job.options.fast_invariants) return refuse_option(job, "fast_invar");
-  if (job.options.invariants) FMD_Error("Illegal invariants option, use full_invar or fast_invar.");
-  const char* const exists = job.body->BlockExists;
-  job.summary[kGlobalProperties] =
-      exists[kGlobalProperties] != 0 || (exists[kNodalCoordinates] != 0 && exists[kNodalMasses] != 0);
 }
 
 // One record a mode, by mode index, so that the getters find them; only the exported ones are written.
@@ -97,7 +78,7 @@ void run_content_stages(WriteJob& job) {
   copy_from_body(job, kModeShapes, kNodalInertias);
   job.summary[kUnits] = 1;
   copy_from_body(job, kGeneralizedDamping, kGeneralizedDamping);
-  copy_from_body(job, kInterfaceNodes, kModalStress);
+  copy_from_body(job, kInterfaceNodes, kInterfaceNodes);
   place_faces(job);
 
   if (job.options.no_ortho) {
@@ -111,12 +92,13 @@ void run_content_stages(WriteJob& job) {
   run_invariant_stage(job);
   if (!job.ok) return;
 
+  copy_from_body(job, kModalStress, kModalStress);
   copy_from_body(job, kModalPreload, kModalStrain);
   copy_from_body(job, kPreStress, kModalLoadNodal);
   renew_statistics(job);
   if (!job.ok) return;
 
-  if (job.options.empty) refuse_option(job, "empty");
+  if (job.options.empty) run_empty_stage(job);
   if (job.options.mks) refuse_option(job, "MKS");
 }
 

@@ -61,12 +61,6 @@ constexpr ContentLine kContentLines[] = {{"Nodal Coords", kNodalCoordinates, fal
                                          {"Matrix Operators", kMatrixOperators, false},
                                          {"Modal Load Nodal", kModalLoadNodal, false}};
 
-bool write_block(WriteJob& job, const Block& block) {
-  if (block.write != nullptr) return block.write(job);
-  FMD_Error("Block %s cannot be written yet.", block.name);
-  return false;
-}
-
 }  // namespace
 
 void write_version_and_header(WriteJob& job) {
@@ -93,7 +87,7 @@ void write_content(WriteJob& job) {
   for (const Block& block : block_table()) {
     if (!job.ok) return;
     if (block.summary_byte == kAlwaysPresent || job.summary[block.summary_byte] == 0) continue;
-    finish_block(job, block, write_block(job, block));
+    finish_block(job, block, block.write(job));
   }
 }
 
