@@ -30,9 +30,11 @@
  *                  or one at a time. Even a lookup may change a body.
  * 12. Signals.     The library changes no signal's disposition. A host that limits file sizes ignores
  *                  SIGXFSZ; the write then fails with a message.
- * 13. Environment. KXI_KADCDB_DIR      an existing directory for the database; without it no body is made
- *                  KXI_FMDWRITE_OPTIONS  options of FMD_write_FMD
- *                  FMD_MAX_MODE_MEMORY   budget of the mode cache in megabytes, default 200
+ * 13. Environment. KXI_KADCDB_DIR           an existing directory for the database; without it no body is made
+ *                  KXI_FMDWRITE_OPTIONS      options of FMD_write_FMD
+ *                  FMD_MAX_MODE_MEMORY       budget of the mode cache in megabytes, default 200
+ *                  FMD_RIGID_BODY_THRESHOLD  frequency in Hz up to which one of the first six modes is rigid
+ *                  KXI_MFORCE_NO_FEA_MASS    if set, rigid loads come from a fit and not from the nodal masses
  */
 #ifndef FMDTOOLKIT_FMDTOOLKIT_H
 #define FMDTOOLKIT_FMDTOOLKIT_H
