@@ -2,6 +2,7 @@
 // row pointers, and products of row vectors and 3 by 3 matrices.
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 #include "fmdtoolkit/fmdtoolkit.h"
@@ -86,9 +87,8 @@ int FMD_LUPInvert(double** a, int n, int* permutation) {
 void Matrix_Multiply(double* a, double* b, double* c) {
   double product[9];
   for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) {
-      product[3 * i + j] = a[3 * i] * b[j] + a[3 * i + 1] * b[3 + j] + a[3 * i + 2] * b[6 + j];
-    }
+    const double* const row = a + std::ptrdiff_t{3} * i;
+    for (int j = 0; j < 3; ++j) product[3 * i + j] = row[0] * b[j] + row[1] * b[3 + j] + row[2] * b[6 + j];
   }
   std::copy_n(product, 9, c);
 }

@@ -65,8 +65,8 @@ void run_invariant_stage(WriteJob& job) {
     return;
   }
   const char* const exists = job.body->BlockExists;
-  job.summary[kGlobalProperties] =
-      exists[kGlobalProperties] != 0 || (exists[kNodalCoordinates] != 0 && exists[kNodalMasses] != 0);
+  const bool has_masses = exists[kNodalCoordinates] != 0 && exists[kNodalMasses] != 0;
+  job.summary[kGlobalProperties] = exists[kGlobalProperties] != 0 || has_masses ? 1 : 0;
 }
 
 void run_empty_stage(WriteJob& job) {

@@ -25,8 +25,8 @@ void run_orthonormal_stage(WriteJob& job) {
     job.ok = false;
     return;
   }
-  job.summary[kTransformation] = transformed || body->Transformation != nullptr;
-  job.summary[kEigenvalues] = body->ModeCount > 0;
+  job.summary[kTransformation] = transformed || body->Transformation != nullptr ? 1 : 0;
+  job.summary[kEigenvalues] = body->ModeCount > 0 ? 1 : 0;
   select_frequency_band(job);
 }
 
