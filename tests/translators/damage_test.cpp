@@ -3,6 +3,7 @@
 
 #include <random>
 
+#include "calculix/modal_rows.h"
 #include "calculix/translate.h"
 #include "support/session.h"
 #include "translators/frd_text.h"
@@ -19,10 +20,12 @@ int outcome(const std::string& frd, const std::string& deck) {
   job.results = "job.frd";
   job.deck = "job.inp";
   job.interface_nodes = {"TOP"};
+  job.monitor_nodes = {"CORNER"};
   try {
     const calculix::Model model = calculix::read_model(job, nullptr);
+    calculix::ModalRows rows(model);
     calculix::read_mode_vectors(
-        job.results, model.contents, [](const calculix::ModeVector&) {}, nullptr);
+        job.results, model.contents, [&](const calculix::ModeVector& vector) { rows.take(vector); }, nullptr);
     return 1;
   } catch (const calculix::InputError& error) {
     EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos);
@@ -46,7 +49,9 @@ class DamageTest : public ::testing::Test {
  protected:
   TemporaryDirectory directory;
   const std::string frd = frd_text(cube());
-  const std::string deck = cube_deck();
+  const std::string deck = cube_deck() +
+                           "*STEP, NAME=PULL\n*STATIC\n*CLOAD\n3, 1, 2.5\nTOP, 2, -1.\n*END STEP\n"
+                           "*STEP\n*STATIC\n*CLOAD, OP=NEW\n1, 6, 4\n*END STEP\n";
 };
 
 TEST_F(DamageTest, PrefixesOfTheResultsAreErrors) {

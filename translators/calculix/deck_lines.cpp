@@ -77,6 +77,28 @@ DeckLine DeckLines::next() {
   return DeckLine::end;
 }
 
+std::string DeckLines::needed(const char* parameter) const {
+  std::string value = keyword_.value(parameter);
+  if (value.empty()) fail("expected the parameter " + std::string(parameter) + " of *" + keyword_.name);
+  return value;
+}
+
+std::string_view DeckLines::field(std::size_t place) const {
+  return place < fields_.size() ? fields_[place] : std::string_view();
+}
+
+int DeckLines::int_field(std::size_t place, const char* what) const {
+  int value = 0;
+  if (parse_int(field(place), value)) return value;
+  fail(std::string("expected ") + what + ", found " + quote(field(place)));
+}
+
+double DeckLines::real_field(std::size_t place, const char* what) const {
+  double value = 0.0;
+  if (parse_real(field(place), value)) return value;
+  fail(std::string("expected ") + what + ", a finite number, found " + quote(field(place)));
+}
+
 // A keyword line that ends with a comma goes on in the next one.
 void DeckLines::read_keyword() {
   keyword_ = Keyword{};

@@ -37,6 +37,11 @@ class DeckLines {
 
   const std::string& file() const { return readers_.back()->path(); }
   long line_number() const { return readers_.back()->line_number(); }
+  // Throw InputError where the keyword lacks the parameter, or where the field of the data line is no number.
+  std::string needed(const char* parameter) const;
+  int int_field(std::size_t place, const char* what) const;
+  double real_field(std::size_t place, const char* what) const;
+
   [[noreturn]] void fail(const std::string& text) const { readers_.back()->fail(text); }
 
  private:
@@ -45,6 +50,7 @@ class DeckLines {
   void add_parameters(std::string_view text);
   void open_include();
   void split_fields();
+  std::string_view field(std::size_t place) const;
 
   std::string directory_;
   std::vector<std::unique_ptr<LineReader>> readers_;  // the innermost include last

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "calculix/deck_lines.h"
+#include "calculix/deck_steps.h"
 #include "calculix/input_error.h"
 #include "calculix/number_text.h"
 
@@ -61,10 +62,8 @@ class DeckReader {
   void density_line();
   void section_line();
   void mass_line();
+  void load_line() { steps_.load_line(); }
 
-  std::string needed(const char* parameter) const;
-  int int_of(std::size_t field, const char* what) const;
-  double real_of(std::size_t field, const char* what) const;
   void add_to_set(std::map<std::string, IdSet>& sets, const std::string& name, int id);
   std::optional<double> beam_area(Section& section) const;
   void check_repeated_ids() const;
@@ -72,6 +71,7 @@ class DeckReader {
 
   DeckLines lines_;
   Deck deck_;
+  StepReader steps_{lines_, deck_};
   Handler data_line_ = nullptr;  // takes the data lines of the current keyword
   bool first_data_line_ = true;
   std::string set_name_;
@@ -86,38 +86,17 @@ class DeckReader {
   bool element_continues_ = false;
 };
 
-std::string DeckReader::needed(const char* parameter) const {
-  std::string value = lines_.keyword().value(parameter);
-  if (value.empty())
-    lines_.fail("expected the parameter " + std::string(parameter) + " of *" + lines_.keyword().name);
-  return value;
-}
-
-int DeckReader::int_of(std::size_t field, const char* what) const {
-  int value = 0;
-  const std::string_view text = field < lines_.fields().size() ? lines_.fields()[field] : std::string_view();
-  if (parse_int(text, value)) return value;
-  lines_.fail(std::string("expected ") + what + ", found " + quote(text));
-}
-
-double DeckReader::real_of(std::size_t field, const char* what) const {
-  double value = 0.0;
-  const std::string_view text = field < lines_.fields().size() ? lines_.fields()[field] : std::string_view();
-  if (parse_real(text, value)) return value;
-  lines_.fail(std::string("expected ") + what + ", a finite number, found " + quote(text));
-}
-
 void DeckReader::add_to_set(std::map<std::string, IdSet>& sets, const std::string& name, int id) {
   if (!name.empty()) sets[name].push_back({id, id, 1});
 }
 
 void DeckReader::node_line() {
-  const int id = int_of(0, "a node id");
+  const int id = lines_.int_field(0, "a node id");
   if (id < 1) lines_.fail("expected a node id above 0, found " + std::to_string(id));
   Point point{};
   for (std::size_t k = 0; k < 3; ++k) {
     const bool given = k + 1 < lines_.fields().size() && !lines_.fields()[k + 1].empty();
-    if (given) point[k] = real_of(k + 1, "a coordinate");
+    if (given) point[k] = lines_.real_field(k + 1, "a coordinate");
   }
   deck_.node_ids.push_back(id);
   deck_.points.push_back(point);
@@ -126,7 +105,7 @@ void DeckReader::node_line() {
 }
 
 void DeckReader::begin_elements() {
-  const std::string label = needed("TYPE");
+  const std::string label = lines_.needed("TYPE");
   set_name_ = lines_.keyword().value("ELSET");
   const auto found = std::find(deck_.labels.begin(), deck_.labels.end(), label);
   label_ = static_cast<int>(found - deck_.labels.begin());
@@ -141,14 +120,14 @@ void DeckReader::begin_elements() {
 void DeckReader::element_line() {
   int on_line = static_cast<int>(lines_.fields().size());
   if (!element_continues_) {
-    const int id = int_of(0, "an element id");
+    const int id = lines_.int_field(0, "an element id");
     if (id < 1) lines_.fail("expected an element id above 0, found " + std::to_string(id));
     deck_.element_ids.push_back(id);
     deck_.element_labels.push_back(label_);
     element_origins_.push_back(origin());
     add_to_set(deck_.element_sets, set_name_, id);
     if (deck_.labels[static_cast<std::size_t>(label_)] == "MASS") {
-      deck_.mass_elements.emplace_back(id, int_of(1, "a node id"));
+      deck_.mass_elements.emplace_back(id, lines_.int_field(1, "a node id"));
     }
     nodes_missing_ = nodes_of_element_;
     --on_line;
@@ -162,7 +141,7 @@ void DeckReader::element_line() {
 }
 
 void DeckReader::begin_set(const char* parameter, std::map<std::string, IdSet>& sets) {
-  set_name_ = needed(parameter);
+  set_name_ = lines_.needed(parameter);
   sets_ = &sets;
   sets[set_name_];
 }
@@ -171,9 +150,9 @@ void DeckReader::begin_set(const char* parameter, std::map<std::string, IdSet>& 
 void DeckReader::set_line() {
   IdSet& set = (*sets_)[set_name_];
   if (lines_.keyword().has("GENERATE")) {
-    IdRange range{int_of(0, "the first id"), 0, 1};
-    range.last = lines_.fields().size() > 1 ? int_of(1, "the last id") : range.first;
-    if (lines_.fields().size() > 2) range.step = int_of(2, "an increment");
+    IdRange range{lines_.int_field(0, "the first id"), 0, 1};
+    range.last = lines_.fields().size() > 1 ? lines_.int_field(1, "the last id") : range.first;
+    if (lines_.fields().size() > 2) range.step = lines_.int_field(2, "an increment");
     if (range.last < range.first || range.step < 1) {
       lines_.fail("expected first, last and increment of a range, found " + quote(lines_.text()));
     }
@@ -184,7 +163,7 @@ void DeckReader::set_line() {
     const std::string_view field = lines_.fields()[i];
     if (field.empty()) continue;
     if (std::isdigit(static_cast<unsigned char>(field.front())) != 0) {
-      const int id = int_of(i, "an id or the name of a set");
+      const int id = lines_.int_field(i, "an id or the name of a set");
       set.push_back({id, id, 1});
       continue;
     }
@@ -202,7 +181,7 @@ void DeckReader::heading_line() {
 }
 
 void DeckReader::begin_material() {
-  material_ = needed("NAME");
+  material_ = lines_.needed("NAME");
   deck_.materials[material_];
 }
 
@@ -210,13 +189,13 @@ void DeckReader::begin_material() {
 void DeckReader::density_line() {
   if (!first_data_line_) return;
   if (material_.empty()) lines_.fail("expected *MATERIAL before *DENSITY");
-  const double density = real_of(0, "a density");
+  const double density = lines_.real_field(0, "a density");
   if (!(density > 0.0)) lines_.fail("expected a density above 0, found " + quote(lines_.text()));
   deck_.materials[material_].density = density;
 }
 
 void DeckReader::begin_section(SectionKind kind) {
-  Section section{kind,          needed("ELSET"),     lines_.keyword().value("MATERIAL"), {}, "",
+  Section section{kind,          lines_.needed("ELSET"), lines_.keyword().value("MATERIAL"), {}, "",
                   lines_.file(), lines_.line_number()};
   if (lines_.keyword().has("COMPOSITE"))
     lines_.fail("expected a shell of one layer, found a composite section");
@@ -231,8 +210,8 @@ std::optional<double> DeckReader::beam_area(Section& section) const {
     section.why_no_size = "has the shape " + shape + ", of which RECT, CIRC and PIPE are read";
     return {};
   }
-  const double a = real_of(0, "a size of the cross section");
-  const double b = real_of(1, "a size of the cross section");
+  const double a = lines_.real_field(0, "a size of the cross section");
+  const double b = lines_.real_field(1, "a size of the cross section");
   if (shape == "RECT") return a * b;
   if (shape == "CIRC") return pi / 4.0 * a * b;
   return pi * b * (2.0 * a - b);  // outer radius and wall thickness
@@ -244,7 +223,7 @@ void DeckReader::section_line() {
   if (section.kind == SectionKind::beam) {
     section.size = beam_area(section);
   } else if (section.why_no_size.empty() && !lines_.fields()[0].empty()) {
-    section.size = real_of(0, "a thickness");
+    section.size = lines_.real_field(0, "a thickness");
   }
   if (section.size && !(*section.size > 0.0)) {
     lines_.fail("expected a thickness or area above 0, found " + quote(lines_.text()));
@@ -252,11 +231,11 @@ void DeckReader::section_line() {
 }
 
 void DeckReader::begin_mass() {
-  set_name_ = needed("ELSET");
+  set_name_ = lines_.needed("ELSET");
 }
 
 void DeckReader::mass_line() {
-  if (first_data_line_) deck_.point_masses[set_name_] = real_of(0, "a mass");
+  if (first_data_line_) deck_.point_masses[set_name_] = lines_.real_field(0, "a mass");
 }
 
 void DeckReader::begin_keyword() {
@@ -289,6 +268,8 @@ void DeckReader::begin_keyword() {
   } else if (name == "MASS") {
     begin_mass();
     data_line_ = &DeckReader::mass_line;
+  } else if (steps_.begin_keyword()) {
+    data_line_ = &DeckReader::load_line;
   }
 }
 
@@ -308,6 +289,7 @@ Deck DeckReader::read() {
   if (element_continues_ && nodes_missing_ > 0) {
     lines_.fail("expected the other nodes of element " + std::to_string(deck_.element_ids.back()));
   }
+  steps_.end();
   deck_.node_index = IdIndex(deck_.node_ids);
   deck_.element_index = IdIndex(deck_.element_ids);
   check_repeated_ids();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "calculix/id_index.h"
+#include "calculix/input_error.h"
 #include "calculix/mesh.h"
 
 namespace calculix {
@@ -39,6 +40,24 @@ struct Section {
   long line = 0;
 };
 
+// A line of *CLOAD: a force or a moment at a node or at each node of a set.
+struct LoadLine {
+  std::string set;  // empty for one node
+  int node;
+  int direction;  // 1 to 3 forces, 4 to 6 moments
+  double magnitude;
+  std::string file;
+  long line;
+};
+
+struct Step {
+  std::string name;
+  bool is_static = false;
+  bool drops_loads = false;  // those of the steps before it
+  std::vector<LoadLine> loads;
+  std::vector<InputError> left_out;  // loads that no load case will have
+};
+
 struct Deck {
   std::string path;
   std::string title;
@@ -55,6 +74,8 @@ struct Deck {
   std::vector<Section> sections;
   std::map<std::string, double> point_masses;      // mass of one node of the element set
   std::vector<std::pair<int, int>> mass_elements;  // (element id, node id)
+  std::vector<Step> steps;
+  std::vector<std::string> turned_sets;  // node sets with axes of their own
 };
 
 // Reads the deck and all that it includes. Throws InputError.

@@ -180,16 +180,16 @@ void add_point_masses(const Deck& deck, const FrdContents& contents, std::vector
   }
 }
 
-std::vector<int> interface_node_ids(const std::string& set_or_file, const Deck& deck,
-                                    const FrdContents& contents, const std::string& results) {
+std::vector<int> named_node_ids(const char* purpose, const std::string& set_or_file, const Deck& deck,
+                                const FrdContents& contents, const std::string& results) {
   const auto set = deck.node_sets.find(in_capitals(set_or_file));
   if (set == deck.node_sets.end()) {
     std::error_code error;
     if (std::filesystem::exists(set_or_file, error)) return ids_of_file(set_or_file, contents);
-    throw InputError(
-        deck.path, 0,
-        "expected a node set of the deck or a file for the interface nodes, found neither of the name " +
-            quote(set_or_file) + " (sets: " + known_sets(deck) + ")");
+    throw InputError(deck.path, 0,
+                     std::string("expected a node set of the deck or a file for the ") + purpose +
+                         ", found neither of the name " + quote(set_or_file) + " (sets: " + known_sets(deck) +
+                         ")");
   }
   std::vector<int> ids = expand(set->second, deck.node_ids, deck.node_index);
   if (ids.empty()) throw InputError(deck.path, 0, "expected nodes in the set " + set->first + ", found none");

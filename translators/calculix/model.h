@@ -23,9 +23,10 @@ std::vector<double> element_densities(const Mesh& mesh, const std::string& resul
 // Adds the deck's mass elements to the nodal masses.
 void add_point_masses(const Deck& deck, const FrdContents& contents, std::vector<double>& masses);
 
-// The ids that a node set of the deck has or a file lists, each of them a node of the results.
-std::vector<int> interface_node_ids(const std::string& set_or_file, const Deck& deck,
-                                    const FrdContents& contents, const std::string& results);
+// The ids that a node set of the deck has or a file lists, each of them a node of the results. The purpose is
+// what a message says that they are for.
+std::vector<int> named_node_ids(const char* purpose, const std::string& set_or_file, const Deck& deck,
+                                const FrdContents& contents, const std::string& results);
 
 }  // namespace calculix
 

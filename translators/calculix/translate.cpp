@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <filesystem>
 #include <memory>
 
 #include "calculix/faces.h"
 #include "calculix/input_error.h"
+#include "calculix/load_cases.h"
 #include "calculix/lumping.h"
+#include "calculix/modal_rows.h"
 #include "calculix/model.h"
 
 namespace calculix {
@@ -68,6 +71,15 @@ void set_faces(FmdBody* body, const Mesh& mesh) {
   }
 }
 
+// Mass, centre and inertia of the nodal masses.
+void set_global_properties(FmdBody* body) {
+  double mass = 0.0;
+  double inertia[9];
+  double centre[3];
+  require(FMD_TotalMassInertia(body, &mass, inertia, centre), "sum up the masses");
+  require(FMD_SetGlobalMass(body, mass, centre, inertia), "set the global mass properties");
+}
+
 // The modes have unit modal mass, so that the generalized stiffness is the eigenvalue.
 void set_modes(FmdBody* body, const std::vector<Mode>& modes) {
   const double factor = FMD_UCF(body);
@@ -91,6 +103,45 @@ void set_vector(FmdBody* body, const Mesh& mesh, const ModeVector& vector) {
   }
 }
 
+// One point a node, which gives its displacement.
+void set_monitor_points(FmdBody* body, const Model& model, ModalRows& rows) {
+  constexpr int point_type = 1;
+  constexpr int displacement = 1;
+  constexpr int all_translations = 123;
+  const Mesh& mesh = model.contents.mesh;
+  for (std::size_t i = 0; i < model.monitor_nodes.size(); ++i) {
+    const auto node = static_cast<std::size_t>(model.monitor_nodes[i].node);
+    Point at = mesh.points[node];
+    std::string name = monitor_name(mesh.node_ids[node]);
+    std::string label = model.monitor_nodes[i].label;
+    FMD_SetMonitorPointInfo(body, point_type, displacement, all_translations, 0, at.data(), name.data(),
+                            label.data());
+    const bool stored = FMD_SetMonitorPointOperator(body, static_cast<int>(i), 1, rows.displacements(i)) == 0;
+    require(stored ? 1 : 0, "set a monitor point");
+  }
+}
+
+void set_load_cases(FmdBody* body, const Model& model, const ModalRows& rows) {
+  const Mesh& mesh = model.contents.mesh;
+  for (std::size_t c = 0; c < model.load_cases.size(); ++c) {
+    const int number = static_cast<int>(c);
+    for (std::size_t m = 0; m < model.contents.modes.size(); ++m) {
+      const Mode& mode = model.contents.modes[m];
+      if (!std::isfinite(rows.load(c, m))) {
+        throw InputError(model.job.deck, 0,
+                         "expected loads of finite work in mode " + std::to_string(mode.number));
+      }
+      require(FMD_SetModalLoad(body, number, mode.number, rows.load(c, m)), "set a modal load");
+    }
+    std::string label = model.load_cases[c].label;
+    require(FMD_SetModalLoadLabel(body, number, label.data()), "name a load case");
+    for (const NodalLoad& load : model.load_cases[c].loads) {
+      const int id = mesh.node_ids[static_cast<std::size_t>(load.node)];
+      require(FMD_SetModalLoadNodal(body, number, id, load.direction, load.value), "set a nodal load");
+    }
+  }
+}
+
 std::vector<double> nodal_masses(const Job& job, const FrdContents& contents, const Deck& deck) {
   const Mesh& mesh = contents.mesh;
   const std::vector<double> densities = element_densities(mesh, job.results, deck, job.density);
@@ -105,6 +156,21 @@ std::vector<double> nodal_masses(const Job& job, const FrdContents& contents, co
   }
   add_point_masses(deck, contents, masses);
   return masses;
+}
+
+std::vector<MonitorNode> monitor_nodes(const Job& job, const FrdContents& contents, const Deck& deck) {
+  std::vector<MonitorNode> points;
+  std::vector<bool> taken(contents.mesh.node_ids.size(), false);
+  for (const std::string& name : job.monitor_nodes) {
+    const std::string shown = std::filesystem::path(name).filename().string();
+    for (const int id : named_node_ids("monitor points", name, deck, contents, job.results)) {
+      const int node = contents.node_index.find(id);
+      if (taken[static_cast<std::size_t>(node)]) continue;
+      taken[static_cast<std::size_t>(node)] = true;
+      points.push_back({node, "node " + std::to_string(id) + " of " + shown});
+    }
+  }
+  return points;
 }
 
 InputError skipped_note(const Job& job, const FrdContents& contents) {
@@ -131,9 +197,11 @@ Model read_model(const Job& job, const ProgressHandler& progress) {
   take_deck_coordinates(model.contents.mesh, job.results, deck);
   model.masses = nodal_masses(job, model.contents, deck);
   for (const std::string& name : job.interface_nodes) {
-    const std::vector<int> ids = interface_node_ids(name, deck, model.contents, job.results);
+    const std::vector<int> ids = named_node_ids("interface nodes", name, deck, model.contents, job.results);
     model.interface_ids.insert(model.interface_ids.end(), ids.begin(), ids.end());
   }
+  model.monitor_nodes = monitor_nodes(job, model.contents, deck);
+  model.load_cases = load_cases_of(deck, model.contents, model.notes);
   if (model.contents.skipped_datasets > 0) model.notes.push_back(skipped_note(job, model.contents));
   return model;
 }
@@ -146,14 +214,21 @@ FmdBody* make_body(const Model& model, const ProgressHandler& progress) {
   set_header(body.get(), model);
   set_units(body.get(), model.job.units);
   set_nodes(body.get(), mesh, model.masses);
+  set_global_properties(body.get());
   set_faces(body.get(), mesh);
   for (const int id : model.interface_ids)
     require(FMD_SetInterfaceNode(body.get(), id), "mark an interface node");
   set_modes(body.get(), model.contents.modes);
+  ModalRows rows(model);
   read_mode_vectors(
       model.job.results, model.contents,
-      [&](const ModeVector& vector) { set_vector(body.get(), mesh, vector); },
+      [&](const ModeVector& vector) {
+        set_vector(body.get(), mesh, vector);
+        rows.take(vector);
+      },
       step(progress, "Reading modes"));
+  set_monitor_points(body.get(), model, rows);
+  set_load_cases(body.get(), model, rows);
   return body.release();
 }
 

@@ -27,7 +27,26 @@ struct Job {
   std::optional<double> density;             // goes before the deck's
   Units units;                               // of the deck
   std::vector<std::string> interface_nodes;  // names of node sets or of files with ids
+  std::vector<std::string> monitor_nodes;    // likewise
   std::string comment;                       // for the header
+};
+
+// A node at which a host may ask for the displacement.
+struct MonitorNode {
+  int node;  // index
+  std::string label;
+};
+
+struct NodalLoad {
+  int node;       // index
+  int direction;  // 1 to 3 forces along the axes, 4 to 6 moments about them
+  double value;
+};
+
+// What acts in a static step of the deck.
+struct LoadCase {
+  std::string label;
+  std::vector<NodalLoad> loads;  // one for each node and direction
 };
 
 // The toolkit refused something; its message has told what.
@@ -46,6 +65,8 @@ struct Model {
   FrdContents contents;
   std::vector<double> masses;  // per node
   std::vector<int> interface_ids;
+  std::vector<MonitorNode> monitor_nodes;
+  std::vector<LoadCase> load_cases;
   std::vector<InputError> notes;  // what the user should know, though nothing is wrong
 };
 
