@@ -72,6 +72,15 @@ TEST_F(FmdtoolDamageTest, NamesWhatIsWrongWithTheDeckAndTheNames) {
   write_file("job.inp", exchange(cube_deck(), "*ELEMENT", "*INCLUDE, INPUT=job.inp\n*ELEMENT"));
   expect_one_line(translate({"job.frd"}),
                   "job.inp:13: expected no file that includes itself, found job.inp inside itself");
+  write_file("job.inp", cube_deck() + "*STEP\n*STATIC\n*CLOAD\n9, 1, 1.\n*END STEP\n");
+  expect_one_line(translate({"job.frd"}), "job.inp:30: expected a node of the deck, found unknown node 9");
+  write_file("job.inp", cube_deck() + "*STEP\n*STATIC\n*CLOAD\n8, 1, 1.\n");
+  expect_one_line(translate({"job.frd"}), "job.inp:30: expected *END STEP");
+  write_file("job.inp", cube_deck());
+  expect_one_line(
+      translate({"job.frd", "--monitor", "NO"}),
+      "job.inp: expected a node set of the deck or a file for the monitor points, found neither of the name "
+      "\"NO\" (sets: CORNER, NALL, TOP)");
   EXPECT_EQ(files(), (std::set<std::string>{"tmp", "job.frd", "job.inp"}));
 }
 

@@ -44,9 +44,9 @@ TEST_F(FmdtoolTest, TellsItsVersionAndExplainsItself) {
   EXPECT_TRUE(contains(help.output, "Example:\n  fmdtool translate calculix"));
   const Outcome translate_help = translate({"--help"});
   EXPECT_EQ(translate_help.exit_code, 0);
-  for (const char* piece :
-       {"JOB.frd", "--deck JOB.inp", "-o,--output OUT.fmd", "--density NUMBER", "--interface-nodes",
-        "--units MASS,LENGTH,TIME,FORCE", "--option TEXT", "--json", "Example:"}) {
+  for (const char* piece : {"JOB.frd", "--deck JOB.inp", "-o,--output OUT.fmd", "--density NUMBER",
+                            "--interface-nodes", "--units MASS,LENGTH,TIME,FORCE", "--option TEXT", "--json",
+                            "--invariants full|fast", "--monitor SET|FILE", "*CLOAD", "Example:"}) {
     EXPECT_TRUE(contains(translate_help.output, piece)) << piece;
   }
 }
@@ -61,7 +61,10 @@ TEST_F(FmdtoolTest, RefusesABadCommandLine) {
       {"translate", "calculix", "a.frd", "--nonsense"},
       {"translate", "calculix", "a.frd", "--density", "-1"},
       {"translate", "calculix", "a.frd", "--density", "nan"},
-      {"translate", "calculix", "a.frd", "--units", "KILOGRAM"}};
+      {"translate", "calculix", "a.frd", "--units", "KILOGRAM"},
+      {"translate", "calculix", "a.frd", "--invariants"},
+      {"translate", "calculix", "a.frd", "--invariants", "most"},
+      {"translate", "calculix", "a.frd", "--monitor"}};
   for (const auto& line : lines) {
     const Outcome outcome = run(line);
     EXPECT_NE(outcome.exit_code, 0);

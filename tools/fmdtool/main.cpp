@@ -25,7 +25,27 @@ constexpr const char* calculix_footer =
     "Example:\n"
     "  fmdtool translate calculix bracket_free.frd.gz --deck bracket_free.inp \\\n"
     "      --units MEGAGRAM,MILLIMETER,SECOND,NEWTON --interface-nodes P_HOLE_B1,P_HOLE_B2 \\\n"
-    "      --option \"single lowpass(10000)\" -o bracket.fmd\n";
+    "      --option \"single lowpass(10000)\" -o bracket.fmd\n"
+    "\n"
+    "Every static step of the deck with concentrated loads (*CLOAD) becomes a load case. Invariants and\n"
+    "points whose displacement a host may ask for come on request:\n"
+    "  fmdtool translate calculix bracket_free.frd.gz --deck bracket_loaded.inp \\\n"
+    "      --interface-nodes IF_BASE --invariants full --monitor P_HOLE_W1,P_HOLE_B1 -o loaded.fmd\n";
+
+void add_node_list(CLI::App& command, const char* name, std::vector<std::string>& list,
+                   const char* description) {
+  command.add_option(name, list, description)->delimiter(',')->allow_extra_args(false)->type_name("SET|FILE");
+}
+
+void add_invariants(CLI::App& command, fmdtool::TranslateRequest& request) {
+  command
+      .add_option(
+          "--invariants", request.invariants,
+          "Inertia invariants to write: full has all, fast leaves out those for pairs of modes. Nodes "
+          "without a face, an interface node or a load then stay out of the dataset")
+      ->check(CLI::IsMember({"full", "fast"}))
+      ->type_name("full|fast");
+}
 
 void add_calculix_command(CLI::App& translate, fmdtool::TranslateRequest& request, double& density,
                           std::vector<std::string>& options) {
@@ -60,13 +80,12 @@ void add_calculix_command(CLI::App& translate, fmdtool::TranslateRequest& reques
           },
           ""))
       ->type_name("MASS,LENGTH,TIME,FORCE");
-  command
-      .add_option("--interface-nodes", request.job.interface_nodes,
-                  "Interface nodes: names of node sets of the deck or of files with node ids; several with "
-                  "commas between them, or the option again")
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->type_name("SET|FILE");
+  add_node_list(command, "--interface-nodes", request.job.interface_nodes,
+                "Interface nodes: names of node sets of the deck or of files with node ids; several with "
+                "commas between them, or the option again");
+  add_node_list(command, "--monitor", request.job.monitor_nodes,
+                "Monitor points: nodes whose displacement a host may ask for, named as interface nodes are");
+  add_invariants(command, request);
   command
       .add_option(
           "--option", options,

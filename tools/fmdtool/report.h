@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,28 @@ namespace fmdtool {
 struct ReportedMode {
   int number;
   double hertz;
+};
+
+// About the origin of the body.
+struct ReportedInvariants {
+  std::string set;  // full or fast
+  double mass;
+  std::array<double, 3> first_moment;
+  std::array<double, 9> inertia;
+};
+
+struct ReportedMonitor {
+  std::string name;
+  std::string label;
+  std::array<double, 3> at;
+};
+
+// Force and moment are what the nodal loads amount to, about the origin of the body.
+struct ReportedLoadCase {
+  std::string label;
+  int nodal_loads;
+  std::array<double, 3> force;
+  std::array<double, 3> moment;
 };
 
 struct Report {
@@ -31,12 +54,18 @@ struct Report {
   std::array<double, 3> centre{};
   std::array<double, 3> box_low{};
   std::array<double, 3> box_high{};
+  std::optional<ReportedInvariants> invariants;
+  std::vector<ReportedMonitor> monitor_points;
+  std::vector<ReportedLoadCase> load_cases;
   std::uintmax_t bytes = 0;
   double seconds = 0.0;
 };
 
 // Takes from a body that has been written what the dataset holds of it, the modes as many as were exported.
 void describe_body(FmdBody* body, int exported_modes, Report& report);
+
+// Adds the invariants of the rigid body.
+void describe_invariants(FmdBody* body, const std::string& set, Report& report);
 
 std::string as_table(const Report& report);
 std::string as_json(const Report& report);

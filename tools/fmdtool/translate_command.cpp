@@ -88,11 +88,20 @@ void write_dataset(FmdBody* body, OutputFile& output) {
   output.commit();
 }
 
+// Options given go before those of the environment; the invariants join either.
+void set_write_options(const TranslateRequest& request) {
+  const char* found = std::getenv(options_variable);
+  std::string options = request.write_options;
+  if (options.empty() && found != nullptr) options = found;
+  if (!request.invariants.empty()) options += (options.empty() ? "" : " ") + request.invariants + "_invar";
+  if (!options.empty()) setenv(options_variable, options.c_str(), 1);
+}
+
 Report run(TranslateRequest& request, const fs::path& from) {
   complete(request);
   OutputFile output(request.output);
   refuse_input_as_output(request, output);
-  if (!request.write_options.empty()) setenv(options_variable, request.write_options.c_str(), 1);
+  set_write_options(request);
   install_message_handlers(request.verbose);
   const calculix::Model model = calculix::read_model(request.job, show_progress);
   for (const calculix::InputError& note : model.notes) print_warning(shown(note, from));
@@ -104,6 +113,7 @@ Report run(TranslateRequest& request, const fs::path& from) {
     show_progress("Writing", 1.0);
     write_dataset(session.body(), output);
     describe_body(session.body(), exported_modes(), report);
+    if (!request.invariants.empty()) describe_invariants(session.body(), request.invariants, report);
   }
   report.title = model.title;
   report.results = shown(request.job.results, from);

@@ -12,6 +12,7 @@ struct TranslateRequest {
   calculix::Job job;   // paths as given; an empty deck stands for the one beside the results
   std::string output;  // empty for the name of the results with the ending .fmd in the current directory
   std::string write_options;
+  std::string invariants;  // full, fast or empty
   bool json = false;
   bool verbose = false;
 };
