@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include "support/session.h"
@@ -135,6 +137,13 @@ TEST_F(ModalRowsTest, GivesMassCentreAndInertiaWithoutAWarning) {
   EXPECT_NEAR(mass, 7.85, 1e-14);
   for (int k = 0; k < 3; ++k) EXPECT_NEAR(centre[k], 0.5, 1e-15);
   for (int k = 0; k < 9; ++k) EXPECT_NEAR(inertia[k], k % 4 == 0 ? 7.85 : 7.85 / 4, 1e-13) << k;
+  char* text = nullptr;
+  std::size_t size = 0;
+  std::FILE* const listing = open_memstream(&text, &size);
+  FMD_Contents(body, 6, listing);
+  std::fclose(listing);
+  EXPECT_NE(std::string(text).find("\nMass:      7.8500000000\n"), std::string::npos) << text;
+  std::free(text);
   EXPECT_TRUE(log.warnings.empty());
   EXPECT_TRUE(log.errors.empty());
 }
