@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "dbmodal/dbwrite/options.h"
+#include "dbmodal/version_word.h"
 
 namespace {
 

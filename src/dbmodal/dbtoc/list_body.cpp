@@ -1,7 +1,7 @@
 // Version, header, summary, nodes, global properties, units, faces, interface nodes.
 #include "dbmodal/block_table.h"
 #include "dbmodal/dbtoc/listing.h"
-#include "dbmodal/dbwrite/options.h"
+#include "dbmodal/version_word.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 
 namespace fmd {

@@ -11,6 +11,7 @@
 #include "body/body.h"
 #include "dbmodal/dbwrite/options.h"
 #include "dbmodal/dbwrite/sink.h"
+#include "dbmodal/version_word.h"
 
 namespace fmd {
 

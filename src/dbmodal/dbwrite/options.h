@@ -41,14 +41,6 @@ struct VersionChoice {
 
 VersionChoice choose_version(const WriteOptions& options);
 
-// How a version word says that numbers are stored; both look at the whole word.
-bool is_single_precision(std::uint32_t word);
-bool is_xdr(std::uint32_t word);
-
-constexpr int format_level(std::uint32_t word) {
-  return static_cast<int>(word & 0xFFU);
-}
-
 }  // namespace fmd
 
 #endif
