@@ -5,6 +5,7 @@
 
 #include "dbmodal/dbinvar/invariant_sets.h"
 #include "dbmodal/dbtools/geometry_nodes.h"
+#include "dbmodal/dbwrite/summary.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 
 namespace fmd {
@@ -43,16 +44,6 @@ void refill_global_properties(WriteJob& job, bool remove_nodes) {
 }
 
 }  // namespace
-
-void copy_from_body(WriteJob& job, int first_byte, int last_byte) {
-  for (int byte = first_byte; byte <= last_byte; ++byte) job.summary[byte] = job.body->BlockExists[byte];
-}
-
-void place_faces(WriteJob& job) {
-  const char* const exists = job.body->BlockExists;
-  if (exists[kElementFaces] == 0 && exists[kElementTopology] == 0) return;
-  job.summary[job.is_old_style() ? kElementTopology : kElementFaces] = 1;
-}
 
 void run_invariant_stage(WriteJob& job) {
   const bool legal = !job.options.invariants || compute_set(job);

@@ -14,11 +14,6 @@ void run_invariant_stage(WriteJob& job);
 // and 7.
 void run_empty_stage(WriteJob& job);
 
-// A body with faces has one of two blocks, by level.
-void place_faces(WriteJob& job);
-
-void copy_from_body(WriteJob& job, int first_byte, int last_byte);
-
 }  // namespace fmd
 
 #endif

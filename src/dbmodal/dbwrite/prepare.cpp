@@ -5,6 +5,7 @@
 
 #include "dbmodal/dbwrite/frequency_band.h"
 #include "dbmodal/dbwrite/invariant_stage.h"
+#include "dbmodal/dbwrite/summary.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
 
