@@ -419,6 +419,15 @@ int FMD_SetInvar9(FmdBody* body, int row, int column, double* values);
 void incr_scalar_tilde_vec(double* out, double s, double* a, double* b);
 void incr_scalar_tilde_tilde(double* out, double s, double* a, double* b);
 
+/* ----------------------------------------------------------- rigid motions -- */
+
+/* Moves the body by the distance along the direction (3), which need not be of unit length. Coordinates, mass
+   properties and the invariants that the body knows follow; mode shapes do not change. Mass, centre and
+   inertia are recomputed from the invariants first. 0 where an invariant cannot follow (2 or 7 of a body
+   without mass, 4 of one with neither nodal mass nor invariant 3): the nodes have moved then. Invariant 8
+   without 3 stays behind with a message. */
+int FMD_Translate(FmdBody* body, double* direction, double distance);
+
 /* ------------------------------------------------------- preload and loads -- */
 
 /* Modal preload: one value per mode, set mode by mode. All modes come before the first value: a mode added
@@ -825,6 +834,7 @@ int DB_GetMonitorPointOperatorSize(FmdBody* body, int index, int* rows, int* col
 int DB_GetMonitorPointNumLoadOperator(FmdBody* body, int index);
 int DB_GetMonitorPointOperator(FmdBody* body, int index, int kind, double* out);
 int DB_MonitorPointHasOperator(FmdBody* body, int index, int kind);
+int DB_Translate(FmdBody* body, double* direction, double distance);
 int DB_RenumberInterfaceNodes(FmdBody* body, int count, int* ids);
 int DB_RenumberNodes(FmdBody* body, int offset);
 int DB_GetFreeEdgeCount(FmdBody* body);

@@ -203,6 +203,7 @@ const Pair kPairs[] = {
     PAIR(GetMonitorPointNumLoadOperator),
     PAIR(GetMonitorPointOperator),
     PAIR(MonitorPointHasOperator),
+    PAIR(Translate),
     PAIR(RenumberInterfaceNodes),
     PAIR(RenumberNodes),
     PAIR(GetFreeEdgeCount),

@@ -35,6 +35,7 @@ extern const std::vector<Operation> mode_operations;       // vectors, cache, st
 extern const std::vector<Operation> matrix_operations;     // matrices, mass, invariants, dataset
 extern const std::vector<Operation> load_operations;       // loads, rigid modes, monitors, operators
 extern const std::vector<Operation> invariant_operations;  // invariants over modes
+extern const std::vector<Operation> motion_operations;     // rigid motions of a body
 extern const std::vector<Operation> record_operations;     // record streams
 
 }  // namespace fmdtest

@@ -3,6 +3,8 @@
 //
 // Each is taken from its cache, else from the dataset's block, else from nodes and mode shapes, and then
 // stays in the cache.
+#include "dbmodal/dbinvar/mode_invariants.h"
+
 #include <algorithm>
 
 #include "body/body.h"
@@ -137,6 +139,14 @@ bool provide_tensors(FmdBody* body) {
 }
 
 }  // namespace
+
+namespace fmd {
+
+bool sum_moments_of_momentum(FmdBody* body, double* rows) {
+  return sum_columns(body, kInvariantFour, rows);
+}
+
+}  // namespace fmd
 
 double* FMD_Invar3(FmdBody* body) {
   return copy_of_columns(body, kInvariantThree);

@@ -10,17 +10,8 @@
 #include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
 
-namespace {
+namespace fmd {
 
-using fmd::kInvariant1Block;
-using fmd::kInvariant2Block;
-using fmd::kInvariant7Block;
-
-void sum_masses(FmdBody* body, double* mass) {
-  for (int node = 0; node < body->NodeCount; ++node) *mass += body->Nodes[node].Mass;
-}
-
-// I2 = sum m r
 void sum_first_moments(FmdBody* body, double* moment) {
   for (int node = 0; node < body->NodeCount; ++node) {
     const FmdNode& from = body->Nodes[node];
@@ -28,7 +19,6 @@ void sum_first_moments(FmdBody* body, double* moment) {
   }
 }
 
-// I7 = sum (-m ~r ~r + J)
 void sum_inertias(FmdBody* body, double* inertia) {
   for (int node = 0; node < body->NodeCount; ++node) {
     FmdNode& from = body->Nodes[node];
@@ -37,6 +27,18 @@ void sum_inertias(FmdBody* body, double* inertia) {
     if (from.Inertia == nullptr || FMD_NodalInertia(body, node, tensor) == 0) continue;
     for (int k = 0; k < 9; ++k) inertia[k] += tensor[k];
   }
+}
+
+}  // namespace fmd
+
+namespace {
+
+using fmd::kInvariant1Block;
+using fmd::kInvariant2Block;
+using fmd::kInvariant7Block;
+
+void sum_masses(FmdBody* body, double* mass) {
+  for (int node = 0; node < body->NodeCount; ++node) *mass += body->Nodes[node].Mass;
 }
 
 void mass_from_global(FmdBody* body, double* mass) {
@@ -64,9 +66,9 @@ struct RigidInvariant {
 constexpr RigidInvariant kInvariantOne = {1,          kInvariant1Block, 0, &FmdBody::Invar1,
                                           sum_masses, mass_from_global};
 constexpr RigidInvariant kInvariantTwo = {
-    3, kInvariant2Block, 1, &FmdBody::Invar2, sum_first_moments, moments_from_global};
+    3, kInvariant2Block, 1, &FmdBody::Invar2, fmd::sum_first_moments, moments_from_global};
 constexpr RigidInvariant kInvariantSeven = {
-    9, kInvariant7Block, 2, &FmdBody::Invar7, sum_inertias, inertia_from_global};
+    9, kInvariant7Block, 2, &FmdBody::Invar7, fmd::sum_inertias, inertia_from_global};
 
 // The filled cache, or null after a failure that has been reported.
 const double* cached(FmdBody* body, const RigidInvariant& invariant) {

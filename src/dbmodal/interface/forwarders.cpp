@@ -556,6 +556,10 @@ int DB_MonitorPointHasOperator(FmdBody* body, int index, int kind) {
   return FMD_MonitorPointHasOperator(body, index, kind);
 }
 
+int DB_Translate(FmdBody* body, double* direction, double distance) {
+  return FMD_Translate(body, direction, distance);
+}
+
 int DB_RenumberInterfaceNodes(FmdBody* body, int count, int* ids) {
   return FMD_RenumberInterfaceNodes(body, count, ids);
 }

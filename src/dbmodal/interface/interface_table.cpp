@@ -168,7 +168,7 @@ void* const kTable[kEntries] = {
     address_of(DB_MonitorPointHasOperator),          // 151
     nullptr,                                         // 152
     nullptr,                                         // 153
-    nullptr,                                         // 154
+    address_of(DB_Translate),                        // 154
     address_of(DB_RenumberInterfaceNodes),           // 155
     address_of(DB_RenumberNodes),                    // 156
     address_of(DB_GetFreeEdgeCount),                 // 157
