@@ -500,6 +500,39 @@ void Matrix_Multiply(double* a, double* b, double* c);
 void Vector_Transform(double* v, double* matrix, int sign);
 void Move_Vector(double* a, double* b);
 
+/* --------------------------------------------------- generalized eigenproblem -- */
+
+/* A x = lambda B x for real n by n matrices by the QZ algorithm (C. B. Moler and G. W. Stewart, SIAM J.
+   Numer. Anal. 10, 1973), in four stages that a caller runs in this order, touching a and b not at all in
+   between. Matrices are stored by columns, the columns nm doubles apart, nm >= n. A nonzero matz asks for
+   vectors: z collects the transformations from the right; otherwise z is not touched and may be null. All
+   work in place, allocate nothing and say nothing; n < 1 does nothing but set *ierr to 0. */
+
+/* Halves *x at least once, and on while 1 + *x still exceeds 1; stores and returns the result. From 1.0 it is
+   the roundoff level of the solver, 2 to the power -53. */
+double EIGPSN(double* x);
+
+/* a to upper Hessenberg and b to upper triangular form; z starts as the identity. */
+void FMD_QZHESS(int* nm, int* n, double* a, double* b, int* matz, double* z);
+
+/* a to quasi-triangular form: blocks of one or two rows on the diagonal. What lies within *eps1 times the
+   largest row sum of its matrix is negligible; *eps1 <= 0.0 takes the roundoff level. *ierr is 0, or the
+   number from 1 of the eigenvalue at which 30 n steps were spent; a and b are then as the last step left
+   them. For n >= 2 the element of b in the last row of the first column holds the level for b, for the next
+   stages. */
+void FMD_QZITT(int* nm, int* n, double* a, double* b, double* eps1, int* matz, double* z, int* ierr);
+
+/* The n eigenvalues (alfr + i alfi) / beta with beta >= 0; beta 0 is an infinite one, of a singular b. A real
+   eigenvalue has alfi 0; a complex pair stands together, the positive imaginary part first. Blocks with real
+   eigenvalues become triangular. */
+void FMD_QZVALL(int* nm, int* n, double* a, double* b, double* alfr, double* alfi, double* beta, int* matz,
+                double* z);
+
+/* The eigenvectors into the columns of z, which holds the transformations of the stages before: a real vector
+   in one, those of a complex pair as real and imaginary part of the first in two. The largest element of each
+   has magnitude 1, for a complex one the sum of the magnitudes of its parts. Overwrites b. */
+void FMD_QZVECC(int* nm, int* n, double* a, double* b, double* alfr, double* alfi, double* beta, double* z);
+
 /* --------------------------------------------- monitor points and operators -- */
 
 /* A monitor point is a quantity that follows from the modal coordinates. These accessors answer 0 for success

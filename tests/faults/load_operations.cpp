@@ -1,5 +1,6 @@
-// Loads, rigid modes, dense algebra, monitor points and matrix operators.
+// Loads, rigid modes, dense algebra, the eigensolver, monitor points and matrix operators.
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "faults/operations.h"
@@ -48,6 +49,51 @@ void factored_matrix(Scene& s) {
   for (int entry = 0; entry < 4; ++entry) s.values[entry] = matrix[entry];
   s.ints[0] = 0;
   s.ints[1] = 1;
+}
+
+// Two symmetric matrices of order 2 and what the stages of the eigensolver take beside them.
+struct Eigenproblem {
+  int order = 2;
+  int with_vectors = 1;
+  int error = -1;
+  double tolerance = 0.0;
+  double* a;
+  double* b;
+  double* z;
+  double* alfr;
+  double* alfi;
+  double* beta;
+  explicit Eigenproblem(Scene& s)
+      : a(s.values), b(a + 4), z(b + 4), alfr(z + 4), alfi(alfr + 2), beta(alfi + 2) {}
+  void reduce() { FMD_QZHESS(&order, &order, a, b, &with_vectors, z); }
+  void iterate() { FMD_QZITT(&order, &order, a, b, &tolerance, &with_vectors, z, &error); }
+  void find_values() { FMD_QZVALL(&order, &order, a, b, alfr, alfi, beta, &with_vectors, z); }
+  void find_vectors() { FMD_QZVECC(&order, &order, a, b, alfr, alfi, beta, z); }
+};
+
+void eigenproblem(Scene& s) {
+  no_body(s);
+  const double matrices[] = {2, 1, 1, 3, 2, 1, 1, 2};
+  for (int entry = 0; entry < 8; ++entry) s.values[entry] = matrices[entry];
+}
+
+void reduced_eigenproblem(Scene& s) {
+  eigenproblem(s);
+  Eigenproblem(s).reduce();
+}
+
+void iterated_eigenproblem(Scene& s) {
+  reduced_eigenproblem(s);
+  Eigenproblem(s).iterate();
+}
+
+void solved_eigenproblem(Scene& s) {
+  iterated_eigenproblem(s);
+  Eigenproblem(s).find_values();
+}
+
+bool is_near(double value, double expected) {
+  return std::fabs(value - expected) <= 1e-14;
 }
 
 }  // namespace
@@ -160,6 +206,36 @@ const std::vector<Operation> load_operations = {
      [](Scene& s) {
        Move_Vector(s.values, s.values + 3);
        return s.values[0] == 0.0;
+     }},
+
+    {"EIGPSN", no_body,
+     [](Scene& s) {
+       s.values[0] = 1.0;
+       return EIGPSN(s.values) == 0x1p-53;
+     }},
+    {"FMD_QZHESS", eigenproblem,
+     [](Scene& s) {
+       Eigenproblem p(s);
+       p.reduce();
+       return p.b[1] == 0.0 && is_near(p.b[0] * p.b[0], 5.0);
+     }},
+    {"FMD_QZITT", reduced_eigenproblem,
+     [](Scene& s) {
+       Eigenproblem p(s);
+       p.iterate();
+       return p.error == 0 && p.b[1] > 0.0;
+     }},
+    {"FMD_QZVALL", iterated_eigenproblem,
+     [](Scene& s) {
+       Eigenproblem p(s);
+       p.find_values();
+       return p.alfi[0] == 0.0 && is_near(p.alfr[0] / p.beta[0] * p.alfr[1] / p.beta[1], 5.0 / 3.0);
+     }},
+    {"FMD_QZVECC", solved_eigenproblem,
+     [](Scene& s) {
+       Eigenproblem p(s);
+       p.find_vectors();
+       return std::max(std::fabs(p.z[0]), std::fabs(p.z[1])) == 1.0;
      }},
 
     {"FMD_SetMonitorPointInfo", full_body,
