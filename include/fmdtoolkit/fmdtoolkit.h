@@ -30,11 +30,10 @@
  *                  or one at a time. Even a lookup may change a body.
  * 12. Signals.     The library changes no signal's disposition. A host that limits file sizes ignores
  *                  SIGXFSZ; the write then fails with a message.
- * 13. Environment. KXI_KADCDB_DIR           an existing directory for the database; without it no body is made
- *                  KXI_FMDWRITE_OPTIONS      options of FMD_write_FMD
- *                  FMD_MAX_MODE_MEMORY       budget of the mode cache in megabytes, default 200
- *                  FMD_RIGID_BODY_THRESHOLD  frequency in Hz up to which one of the first six modes is rigid
- *                  KXI_MFORCE_NO_FEA_MASS    if set, rigid loads come from a fit and not from the nodal masses
+ * 13. Environment. KXI_KADCDB_DIR           an existing directory for the database; without it no body is
+ * made KXI_FMDWRITE_OPTIONS      options of FMD_write_FMD FMD_MAX_MODE_MEMORY       budget of the mode cache
+ * in megabytes, default 200 FMD_RIGID_BODY_THRESHOLD  frequency in Hz up to which one of the first six modes
+ * is rigid KXI_MFORCE_NO_FEA_MASS    if set, rigid loads come from a fit and not from the nodal masses
  */
 #ifndef FMDTOOLKIT_FMDTOOLKIT_H
 #define FMDTOOLKIT_FMDTOOLKIT_H
@@ -428,6 +427,11 @@ void incr_scalar_tilde_tilde(double* out, double s, double* a, double* b);
    without 3 stays behind with a message. */
 int FMD_Translate(FmdBody* body, double* direction, double distance);
 
+/* Rewrites the mode vectors of a type (0 to 2) for coordinates that went from r to r A, A a matrix of 9, and
+   pre-stress or pre-strain with them. Rotations change sign besides where A mirrors. A kind that cannot be
+   rewritten stays as it was, with a message. */
+void transform_mode(FmdBody* body, double* matrix, int type);
+
 /* ------------------------------------------------------- preload and loads -- */
 
 /* Modal preload: one value per mode, set mode by mode. All modes come before the first value: a mode added
@@ -494,11 +498,12 @@ int FMD_LUPDecomposition(double** rows, int n, int* permutation);
 int FMD_LUPSolve(double** rows, int n, int* permutation, double* b);
 int FMD_LUPInvert(double** rows, int n, int* permutation);
 
-/* c = a b for 3 by 3 matrices (c may be a or b); v = sign v A for a row vector; a += b for vectors of three.
- */
+/* c = a b for 3 by 3 matrices (c may be a or b); v = sign v A for a row vector; a += b for vectors of three;
+   T = sign A^T T A for a 3 by 3 tensor. */
 void Matrix_Multiply(double* a, double* b, double* c);
 void Vector_Transform(double* v, double* matrix, int sign);
 void Move_Vector(double* a, double* b);
+void Tensor_Transform(double* tensor, double* matrix, int sign);
 
 /* --------------------------------------------------- generalized eigenproblem -- */
 

@@ -238,6 +238,14 @@ const std::vector<Operation> load_operations = {
        return std::max(std::fabs(p.z[0]), std::fabs(p.z[1])) == 1.0;
      }},
 
+    {"Tensor_Transform", no_body,
+     [](Scene& s) {
+       s.values[0] = 2.0;
+       s.values[9 + 1] = 3.0;
+       Tensor_Transform(s.values, s.values + 9, -1);
+       return s.values[4] == -18.0;
+     }},
+
     {"FMD_SetMonitorPointInfo", full_body,
      [](Scene& s) {
        const int before = FMD_GetMonitorPointCount(s.body);

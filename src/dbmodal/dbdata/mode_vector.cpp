@@ -86,6 +86,31 @@ void apply_units(const FmdBody& body, int type, int nodes, float* values) {
   apply_units_as(body, type, nodes, values);
 }
 
+bool skip_nodes(const FmdStream& stream, std::int64_t nodes) {
+  const int words_per_node = kValuesPerNode * (stream.DoublePrecision != 0 ? 2 : 1);
+  const std::int64_t most = std::numeric_limits<int>::max() / words_per_node;
+  while (nodes > 0) {
+    const auto step = static_cast<int>(std::min(nodes, most));
+    if (DB_SeekFWD(stream, step * words_per_node) == 0) return false;
+    nodes -= step;
+  }
+  return true;
+}
+
+void take_units_out(const FmdBody& body, int type, int nodes, double* values) {
+  const double length = body.UnitTotalFactor[kLength];
+  const double stress = stress_factor(body);
+  if (type == kShape && length != 1.0) scale_translations(values, nodes, 1.0 / length);
+  if (type == kStress && stress != 1.0) scale_all(values, nodes, 1.0 / stress);
+}
+
+bool read_stored_nodes(const FmdBody& body, int type, int index, int first_node, int nodes, double* values) {
+  if (body.ModePositions[type] == nullptr) return false;
+  const FmdStream& stream = body.ModeFile[type];
+  return DB_FRESTORE(&body.ModePositions[type][index], stream) != 0 && skip_nodes(stream, first_node) &&
+         DB_ReadDOUBLEs(stream, values, nodes * kValuesPerNode) != 0;
+}
+
 bool copy_pseudo_mode(const FmdBody& body, int type, double* values) {
   const double* stored = type == kStress ? body.PreStress : body.PreStrain;
   if (stored == nullptr) return false;

@@ -2,6 +2,8 @@
 #ifndef FMDTOOLKIT_DBMODAL_DBDATA_MODE_VECTOR_H
 #define FMDTOOLKIT_DBMODAL_DBDATA_MODE_VECTOR_H
 
+#include <cstdint>
+
 #include "body/body.h"
 
 namespace fmd {
@@ -38,6 +40,15 @@ void copy_half(const double* vector, int nodes, int part, double* half);
 // factor for the translations of mode shapes, force per area for stress, nothing for strain.
 void apply_units(const FmdBody& body, int type, int nodes, double* values);
 void apply_units(const FmdBody& body, int type, int nodes, float* values);
+
+// The way back, for vectors that go to the store again.
+void take_units_out(const FmdBody& body, int type, int nodes, double* values);
+
+// Moves a stream of mode vectors on by whole nodes.
+bool skip_nodes(const FmdStream& stream, std::int64_t nodes);
+
+// Reads some nodes of a stored vector, by mode index and as they stand in the store. Says nothing.
+bool read_stored_nodes(const FmdBody& body, int type, int index, int first_node, int nodes, double* values);
 
 }  // namespace fmd
 

@@ -1,7 +1,6 @@
 #include "dbmodal/dbinvar/mode_panels.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "dbmodal/dbdata/mode_cache.h"
 #include "dbmodal/dbdata/mode_vector.h"
@@ -23,24 +22,6 @@ bool cache_has_room(FmdBody& body) {
   if (body.ModeMemoryCapacity == 0) FMD_InitializeModeMemory(&body);
   return body.ModeMemoryUsed < body.ModeMemoryCapacity ||
          (body.ModeMemoryUsed > 0 && body.ModeMemoryNodes[kShape] != body.ModeNodeCount[kShape]);
-}
-
-// Skips whole nodes; one call skips no more than an int counts.
-bool skip_nodes(const FmdStream& stream, std::int64_t nodes) {
-  const int words_per_node = kValuesPerNode * (stream.DoublePrecision != 0 ? 2 : 1);
-  const std::int64_t most = std::numeric_limits<int>::max() / words_per_node;
-  while (nodes > 0) {
-    const auto step = static_cast<int>(std::min(nodes, most));
-    if (DB_SeekFWD(stream, step * words_per_node) == 0) return false;
-    nodes -= step;
-  }
-  return true;
-}
-
-bool read_nodes(const FmdBody& body, int index, int first_node, int nodes, double* values) {
-  const FmdStream& stream = body.ModeFile[kShape];
-  return DB_FRESTORE(&body.ModePositions[kShape][index], stream) != 0 && skip_nodes(stream, first_node) &&
-         DB_ReadDOUBLEs(stream, values, nodes * kValuesPerNode) != 0;
 }
 
 }  // namespace
@@ -98,7 +79,7 @@ bool ModePanels::provide_pieces() {
 }
 
 ModeTranslations ModePanels::read_piece(Source& source, double* piece, int first_node, int nodes) {
-  if (read_nodes(*body_, source.index, first_node, nodes, piece)) {
+  if (read_stored_nodes(*body_, kShape, source.index, first_node, nodes, piece)) {
     apply_units(*body_, kShape, nodes, piece);
     return {piece, kValuesPerNode};
   }

@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "body/body.h"
+#include "dbmodal/dbdata/mode_rewrite.h"
 #include "messages/memory.h"
 
 namespace fmd {
@@ -23,7 +24,6 @@ struct KeptNodes {
 class ShortenedModes {
  public:
   ShortenedModes() = default;
-  ~ShortenedModes();
   ShortenedModes(const ShortenedModes&) = delete;
   ShortenedModes& operator=(const ShortenedModes&) = delete;
 
@@ -45,19 +45,16 @@ class ShortenedModes {
   std::int32_t row_count() const { return row_count_; }
 
  private:
-  bool open_scratch(FmdBody& body, int kind);
   bool copy_modes(const FmdBody& body, int kind);
-  bool write_unused_slots(const FmdBody& body, std::int64_t words);
   void install_file(FmdBody& body, int kind);
   void install_pre_load(FmdBody& body, int kind);
-  void close_scratch();
 
   CArray<std::int32_t> rows_;  // by place of the kept node: its row in the body's data, or -1
   std::int32_t kept_count_ = 0;
   std::int32_t row_count_ = 0;
   bool replaces_file_ = false;
-  FmdStream stream_ = {};
-  CArray<FmdPosition> positions_;
+  bool removes_file_ = false;
+  ModeRewrite file_{"dbtools"};
   CArray<double> pre_load_;
 };
 

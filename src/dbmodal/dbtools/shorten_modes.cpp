@@ -4,29 +4,14 @@
 #include "dbmodal/dbdata/mode_vector.h"
 #include "dbmodal/dbtools/shorten.h"
 #include "fmdtoolkit/fmdtoolkit.h"
-#include "solverdb/scratch.h"
 
 namespace fmd {
 
 namespace {
 
 constexpr int kWordsPerDouble = 2;
-constexpr int kLeastFloats = 512;
 constexpr std::int32_t kMostNodes =
     std::numeric_limits<std::int32_t>::max() / (kValuesPerNode * kWordsPerDouble);
-
-int words_per_row(const FmdStream& stream) {
-  return kValuesPerNode * (stream.DoublePrecision != 0 ? kWordsPerDouble : 1);
-}
-
-// The buffer through which whoever writes to a stream in single precision narrows.
-bool provide_float_buffer(FmdBody& body) {
-  if (body.FloatBuffer != nullptr) return true;
-  const std::int64_t values = std::int64_t{kValuesPerNode} * body.NodeCount;
-  const std::int64_t room = std::max<std::int64_t>({values, body.ModeCount, kLeastFloats});
-  body.FloatBuffer = allocate<float>(room, "dbtools").release();
-  return body.FloatBuffer != nullptr;
-}
 
 bool read_vector(const FmdBody& body, int kind, int mode, std::int32_t* words) {
   const FmdStream& stream = body.ModeFile[kind];
@@ -35,16 +20,6 @@ bool read_vector(const FmdBody& body, int kind, int mode, std::int32_t* words) {
 }
 
 }  // namespace
-
-ShortenedModes::~ShortenedModes() {
-  close_scratch();
-}
-
-void ShortenedModes::close_scratch() {
-  if (stream_.Block != 0) DB_CloseDatablk(stream_.Block);
-  stream_.Block = 0;
-  positions_.reset();
-}
 
 bool ShortenedModes::map_rows(FmdBody& body, int kind, const KeptNodes& kept) {
   rows_ = allocate<std::int32_t>(kept.count, "dbtools");
@@ -61,56 +36,36 @@ bool ShortenedModes::map_rows(FmdBody& body, int kind, const KeptNodes& kept) {
   return true;
 }
 
-bool ShortenedModes::open_scratch(FmdBody& body, int kind) {
-  constexpr const char* kWord[TOTAL_MODE_INFO_TYPES] = {"Shape", "Stress", "Strain"};
-  const FmdStream& old = body.ModeFile[kind];
-  stream_.Block = DB_OpenScratch(&stream_.Key);
-  if (stream_.Block == 0) {
-    FMD_Error("Unable to open temporary block for write.");
-    return false;
-  }
-  FMD_Info(" Shortened %s mode file: key = %d\n", kWord[kind], stream_.Key);
-  stream_.Name = old.Name;
-  stream_.IsScratch = 1;
-  stream_.DoublePrecision = old.DoublePrecision;
-  stream_.BodyIndex = old.BodyIndex;
-  if (stream_.DoublePrecision == 0 && !provide_float_buffer(body)) return false;
-  stream_.FloatBuffer = body.FloatBuffer;
-  DB_FSAVE(&stream_.StartPosition, stream_);
-  return true;
-}
-
 bool ShortenedModes::ShortenModeFile(FmdBody& body, int kind) {
-  if (!open_scratch(body, kind)) return false;
+  if (!file_.open(body, kind)) return false;
+  file_.tell_shortened();
   if (body.ModeCount == 0) {
     FMD_Warning("No Mode Shape Data found in this Database file. \n");
-    close_scratch();
+    file_.close();
     return true;
   }
   if (body.ModePositions[kind] == nullptr || row_count_ == 0) {
-    replaces_file_ = row_count_ == 0;
-    close_scratch();
+    removes_file_ = row_count_ == 0;
+    file_.close();
     return true;
   }
   if (!copy_modes(body, kind)) {
-    close_scratch();
+    file_.close();
     return false;
   }
-  DB_ReOpenScratch(stream_.Block);
   replaces_file_ = true;
   return true;
 }
 
 bool ShortenedModes::copy_modes(const FmdBody& body, int kind) {
-  const int row_words = words_per_row(stream_);
+  const int row_words = kValuesPerNode * (file_.is_double() ? kWordsPerDouble : 1);
   const std::int64_t words = std::int64_t{row_count_} * row_words;
   const std::int32_t nodes = body.ModeNodeCount[kind];
   // A vector beyond what one call reads counts as one beyond memory.
   const auto vector =
       allocate<std::int32_t>(nodes <= kMostNodes ? std::int64_t{nodes} * row_words : 0, "dbtools");
   const auto shortened = allocate<std::int32_t>(words, "dbtools");
-  positions_ = allocate<FmdPosition>(std::max(body.ModeCount, body.PlannedModeCount), "dbtools");
-  if (vector == nullptr || shortened == nullptr || positions_ == nullptr) return false;
+  if (vector == nullptr || shortened == nullptr || !file_.provide_slots(body, row_count_)) return false;
 
   bool done = true;
   for (int mode = 0; mode < body.ModeCount; ++mode) {
@@ -124,23 +79,10 @@ bool ShortenedModes::copy_modes(const FmdBody& body, int kind) {
       const std::int32_t row = rows_[static_cast<std::size_t>(place)];
       if (row >= 0) end = std::copy_n(vector.get() + std::ptrdiff_t{row} * row_words, row_words, end);
     }
-    DB_FSAVE(&positions_[static_cast<std::size_t>(mode)], stream_);
-    if (DB_WriteINTs(stream_, shortened.get(), static_cast<int>(words)) != 0) continue;
-    FMD_Error("Insufficient disk space for temporary file.");
-    done = false;
+    file_.begin(mode);
+    if (!file_.write_words(shortened.get(), static_cast<int>(words))) done = false;
   }
-  return done && write_unused_slots(body, words);
-}
-
-// A body under construction keeps a slot for each mode that it may still get.
-bool ShortenedModes::write_unused_slots(const FmdBody& body, std::int64_t words) {
-  for (int slot = body.ModeCount; slot < body.PlannedModeCount; ++slot) {
-    DB_FSAVE(&positions_[static_cast<std::size_t>(slot)], stream_);
-    if (fill_scratch_with_zeros(stream_.Block, words)) continue;
-    FMD_Error("Insufficient disk space for temporary file.");
-    return false;
-  }
-  return true;
+  return done && file_.write_empty_slots(body.ModeCount);
 }
 
 bool ShortenedModes::shorten_pre_load(const FmdBody& body, int kind) {
@@ -168,13 +110,12 @@ void ShortenedModes::install(FmdBody& body, int kind) {
 
 // A kind of which no row is left has no file any more.
 void ShortenedModes::install_file(FmdBody& body, int kind) {
-  if (!replaces_file_) return;
+  if (replaces_file_) file_.install(body);
+  if (!removes_file_) return;
   FmdStream& stream = body.ModeFile[kind];
   if (stream.IsScratch != 0 && stream.Block != 0) DB_CloseDatablk(stream.Block);
   release(body.ModePositions[kind]);
-  body.ModePositions[kind] = positions_.release();
-  stream = stream_;
-  stream_.Block = 0;
+  stream.Block = 0;
 }
 
 void ShortenedModes::install_pre_load(FmdBody& body, int kind) {
