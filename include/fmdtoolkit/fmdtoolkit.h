@@ -560,6 +560,10 @@ int FMD_MonitorPointHasOperator(FmdBody* body, int index, int kind);
 int FMD_SetMonitorPointOperator(FmdBody* body, int index, int kind, double* data);
 int FMD_GetMonitorPointOperator(FmdBody* body, int index, int kind, double* out);
 
+/* Carries every operator into new modal coordinates: each row becomes row times T, T being FMD_ModeCount
+   squared doubles, row by row, with a column for each new mode. 1, or 0 where nothing was done. */
+int FMD_TransformMonitorPoints(FmdBody* body, double* t);
+
 /* A matrix operator is a named stack of labelled rows (texts of 79 characters) with tagged sub-matrices of
    the same row count. The setters answer the new index or -1; the accessors 0 or -1. Labels may be null: all
    empty. */

@@ -272,6 +272,13 @@ const std::vector<Operation> load_operations = {
      [](Scene& s) { return FMD_MonitorPointHasOperator(s.body, 0, 1) == 1; }},
     {"FMD_SetMonitorPointOperator", body_with_monitors,
      [](Scene& s) { return FMD_SetMonitorPointOperator(s.body, 0, 4, s.values) == 0; }},
+    {"FMD_TransformMonitorPoints", body_with_monitors,
+     [](Scene& s) {
+       double t[] = {2, 0, 0, 1};
+       return FMD_TransformMonitorPoints(s.body, t) == 1 &&
+              FMD_GetMonitorPointOperator(s.body, 0, 1, s.values) == 0 && s.values[0] == 2.0 &&
+              s.values[2] == 6.0 && s.values[3] == 4.0;
+     }},
     {"FMD_GetMonitorPointOperator", body_with_monitors,
      [](Scene& s) { return FMD_GetMonitorPointOperator(s.body, 0, 1, s.values) == 0 && s.values[3] == 4.0; }},
 

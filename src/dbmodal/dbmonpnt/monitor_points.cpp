@@ -19,6 +19,13 @@ double* FmdMonitorPoint::*operator_field(int kind) {
   return kFields[kind - 1];
 }
 
+std::int64_t operator_size(const FmdBody& body, const FmdMonitorPoint& point, int kind) {
+  constexpr int kLoadOperator = 4;
+  const std::int64_t layer = std::int64_t{point.rowCount} * body.ModeCount;
+  if (kind != kLoadOperator) return layer;
+  return layer > 0 && point.loadOperatorCount > INT32_MAX / layer ? 0 : layer * point.loadOperatorCount;
+}
+
 void release_monitor_points(FmdBody& body) {
   for (int index = 0; index < body.MonitorPointCount; ++index) {
     FmdMonitorPoint* point = body.MonitorPoints[index];
@@ -35,7 +42,6 @@ void release_monitor_points(FmdBody& body) {
 namespace {
 
 constexpr int kStep = 20;
-constexpr int kLoadOperator = 4;
 
 bool is_kind(int kind) {
   return kind >= 1 && kind <= fmd::kOperatorKinds;
@@ -45,13 +51,6 @@ bool is_kind(int kind) {
 FmdMonitorPoint* point_at(const FmdBody* body, int index) {
   if (body == nullptr || body->MonitorPoints == nullptr) return nullptr;
   return index < 0 || index >= body->MonitorPointCount ? nullptr : body->MonitorPoints[index];
-}
-
-// Doubles of an operator of that kind with the present mode count, as a 64-bit number.
-std::int64_t operator_size(const FmdBody& body, const FmdMonitorPoint& point, int kind) {
-  const std::int64_t layer = std::int64_t{point.rowCount} * body.ModeCount;
-  if (kind != kLoadOperator) return layer;
-  return layer > 0 && point.loadOperatorCount > INT32_MAX / layer ? 0 : layer * point.loadOperatorCount;
 }
 
 int digits_of(int component) {
@@ -158,7 +157,7 @@ int FMD_SetMonitorPointOperator(FmdBody* body, int index, int kind, double* data
   std::int32_t& size = point->operatorSizes[kind - 1];
   fmd::release(field);
   size = 0;
-  const std::int64_t count = operator_size(*body, *point, kind);
+  const std::int64_t count = fmd::operator_size(*body, *point, kind);
   field = fmd::allocate<double>(count, "dbmonpnt").release();
   if (field == nullptr) return -1;
   std::copy_n(data, count, field);
@@ -173,7 +172,7 @@ int FMD_GetMonitorPointOperator(FmdBody* body, int index, int kind, double* out)
   const double* const field = point->*fmd::operator_field(kind);
   if (field == nullptr) return -1;
   // An operator set with fewer modes than the body has now ends in zeros.
-  const std::int64_t count = operator_size(*body, *point, kind);
+  const std::int64_t count = fmd::operator_size(*body, *point, kind);
   const std::int64_t stored = std::min<std::int64_t>(count, point->operatorSizes[kind - 1]);
   std::copy_n(field, stored, out);
   std::fill(out + stored, out + count, 0.0);

@@ -12,6 +12,12 @@ constexpr int kOperatorKinds = 4;
 
 double* FmdMonitorPoint::*operator_field(int kind);
 
+// Doubles of an operator of that kind with the present mode count; 0 where they cannot be counted.
+std::int64_t operator_size(const FmdBody& body, const FmdMonitorPoint& point, int kind);
+
+// Takes the columns of modes beyond a new, smaller count out of every operator that has the present count.
+void drop_operator_columns(FmdBody& body, int modes);
+
 void release_monitor_points(FmdBody& body);
 
 }  // namespace fmd
