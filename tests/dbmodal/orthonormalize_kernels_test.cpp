@@ -1,6 +1,7 @@
 // The matrix work of orthonormalisation against plain column by column versions of it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
