@@ -427,6 +427,22 @@ void incr_scalar_tilde_tilde(double* out, double s, double* a, double* b);
    without 3 stays behind with a message. */
 int FMD_Translate(FmdBody* body, double* direction, double distance);
 
+/* Turn the body about an axis (3), which need not be of unit length; the angle is in degrees. FMD_Rotate turns
+   about the axis through the point (3), by the right-hand rule. FMD_Rotate_Origin turns about the axis through
+   the origin, against that rule, and hands out the matrix A (9) by which row vectors were multiplied: r' = r A.
+   Mode shapes, stresses and strains are rewritten in a new scratch block; coordinates, nodal inertias, mass
+   properties and the invariants that the body knows follow. Eigenvalues, generalized matrices, loads, faces,
+   monitor points and operators stay. A kind of mode vectors that cannot be rewritten stays with a message,
+   which is not a failure. 0 where an invariant cannot be had or cannot follow. Nothing guards against an axis
+   of no length, which fills the body with NaNs. */
+int FMD_Rotate_Origin(FmdBody* body, double* axis, double angle, double* matrix);
+int FMD_Rotate(FmdBody* body, double* axis, double* point, double angle);
+
+/* Reflect the body in the plane with this normal (3), which need not be of unit length, through the origin or
+   through the point (3); else as FMD_Rotate. Rotations of modes and cross products change their sign too. */
+int FMD_Mirror_Origin(FmdBody* body, double* normal);
+int FMD_Mirror(FmdBody* body, double* normal, double* point);
+
 /* Rewrites the mode vectors of a type (0 to 2) for coordinates that went from r to r A, A a matrix of 9, and
    pre-stress or pre-strain with them. Rotations change sign besides where A mirrors. A kind that cannot be
    rewritten stays as it was, with a message. */
@@ -876,6 +892,8 @@ int DB_GetMonitorPointOperatorSize(FmdBody* body, int index, int* rows, int* col
 int DB_GetMonitorPointNumLoadOperator(FmdBody* body, int index);
 int DB_GetMonitorPointOperator(FmdBody* body, int index, int kind, double* out);
 int DB_MonitorPointHasOperator(FmdBody* body, int index, int kind);
+int DB_Mirror(FmdBody* body, double* normal, double* point);
+int DB_Rotate(FmdBody* body, double* axis, double* point, double angle);
 int DB_Translate(FmdBody* body, double* direction, double distance);
 int DB_RenumberInterfaceNodes(FmdBody* body, int count, int* ids);
 int DB_RenumberNodes(FmdBody* body, int offset);

@@ -203,6 +203,8 @@ const Pair kPairs[] = {
     PAIR(GetMonitorPointNumLoadOperator),
     PAIR(GetMonitorPointOperator),
     PAIR(MonitorPointHasOperator),
+    PAIR(Mirror),
+    PAIR(Rotate),
     PAIR(Translate),
     PAIR(RenumberInterfaceNodes),
     PAIR(RenumberNodes),

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -159,6 +160,63 @@ TEST_F(DiskSweep, ALimitOfFileSizesIsADiskThatIsTooSmall) {
   }
   EXPECT_GT(refused, 5);
   EXPECT_TRUE(lives_and_dies());
+}
+
+// True if each mode is what was stored with its x and y multiplied by the sign.
+bool modes_are_turned(FmdBody* body, double sign) {
+  std::vector<double> half(3 * kNodes);
+  double worst = 0.0;
+  for (int mode = 1; mode <= kModes; ++mode) {
+    for (int part = 0; part < 2; ++part) {
+      if (FMD_Mode(body, mode, 0, half.data(), part) == 0) return false;
+      for (int node = 1; node <= kNodes; ++node) {
+        for (int i = 0; i < 3; ++i) {
+          const double expected = (i == 2 ? 1.0 : sign) * value_of(mode, node, 3 * part + i);
+          worst = std::max(worst, std::fabs(half[static_cast<std::size_t>(3 * node - 3 + i)] - expected));
+        }
+      }
+    }
+  }
+  return worst < 1e-9;
+}
+
+// Half a turn about z, again and again. The nodes always turn; the modes turn, or stay with a message.
+TEST_F(DiskSweep, ARotationThatTheDiskFailsLeavesTheModesWhole) {
+  FmdBody* body = FMD_Create(kNodes, kModes);
+  ASSERT_TRUE(store_modes(body));
+  ASSERT_EQ(FMD_SetNodeCoordinates(body, 1, 1.0, 2.0, 3.0), 1);
+  const long descriptors = open_descriptors();
+  double axis[] = {0.0, 0.0, 1.0};
+  double matrix[9];
+  double sign_of_nodes = 1.0;
+  double sign_of_modes = 1.0;
+  int refused = 0;
+  for (const int error : {EIO, ENOSPC, EMFILE}) {
+    bool has_failed = true;
+    for (long nth = 1; has_failed && !HasFailure(); ++nth) {
+      SCOPED_TRACE("call " + std::to_string(nth) + ", error " + std::to_string(error));
+      log.clear();
+      {
+        FailingFileSystem failing(nth, error);
+        EXPECT_EQ(FMD_Rotate_Origin(body, axis, 180.0, matrix), 1);
+        has_failed = failing.has_failed();
+      }
+      sign_of_nodes = -sign_of_nodes;
+      if (log.errors.empty()) sign_of_modes = -sign_of_modes;
+      refused += log.errors.empty() ? 0 : 1;
+      EXPECT_TRUE(has_failed || log.errors.empty());
+      double place[3] = {};
+      FMD_NodeCoordinates(body, 0, place);
+      EXPECT_NEAR(place[0], sign_of_nodes, 1e-9);
+      EXPECT_TRUE(modes_are_turned(body, sign_of_modes));
+      EXPECT_EQ(open_descriptors(), descriptors);
+      ASSERT_LT(nth, kMostCalls);
+    }
+  }
+  EXPECT_GE(refused, 3);
+  EXPECT_TRUE(fmdtest::is_usable(body));
+  FMD_Terminate();
+  expect_nothing_left();
 }
 
 class WriteSweep : public fmdtest::DatasetWrite {

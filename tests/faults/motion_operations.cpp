@@ -15,9 +15,20 @@ void body_with_invariants(Scene& scene) {
   FMD_FreeMemory(FMD_Invar8(scene.body, 0));
 }
 
+double axis[] = {1.0, 2.0, 2.0};
+double point[] = {1.0, 0.5, 0.25};
+double turn[9];
+
 bool translate(Scene& scene) {
-  double direction[] = {1.0, 2.0, 2.0};
-  return FMD_Translate(scene.body, direction, 3.0) == 1;
+  return FMD_Translate(scene.body, axis, 3.0) == 1;
+}
+
+bool rotate(Scene& scene) {
+  return FMD_Rotate(scene.body, axis, point, 30.0) == 1;
+}
+
+bool mirror(Scene& scene) {
+  return FMD_Mirror(scene.body, axis, point) == 1;
 }
 
 // With the identity, so that a second call finds what the first one left.
@@ -35,6 +46,13 @@ bool rewrite(Scene& scene) {
 const std::vector<Operation> motion_operations = {
     {"FMD_Translate", full_body, translate},
     {"FMD_Translate.invariants", body_with_invariants, translate},
+    {"FMD_Rotate", full_body, rotate},
+    {"FMD_Rotate.invariants", body_with_invariants, rotate},
+    {"FMD_Rotate_Origin", full_body,
+     [](Scene& s) { return FMD_Rotate_Origin(s.body, axis, 30.0, turn) == 1; }},
+    {"FMD_Mirror", full_body, mirror},
+    {"FMD_Mirror.invariants", body_with_invariants, mirror},
+    {"FMD_Mirror_Origin", full_body, [](Scene& s) { return FMD_Mirror_Origin(s.body, axis) == 1; }},
     {"transform_mode", full_body, rewrite<0>},
     {"transform_mode.stress", full_body, rewrite<1>},
     {"transform_mode.strain", full_body, rewrite<2>},

@@ -556,6 +556,14 @@ int DB_MonitorPointHasOperator(FmdBody* body, int index, int kind) {
   return FMD_MonitorPointHasOperator(body, index, kind);
 }
 
+int DB_Mirror(FmdBody* body, double* normal, double* point) {
+  return FMD_Mirror(body, normal, point);
+}
+
+int DB_Rotate(FmdBody* body, double* axis, double* point, double angle) {
+  return FMD_Rotate(body, axis, point, angle);
+}
+
 int DB_Translate(FmdBody* body, double* direction, double distance) {
   return FMD_Translate(body, direction, distance);
 }

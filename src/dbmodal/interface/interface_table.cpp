@@ -166,8 +166,8 @@ void* const kTable[kEntries] = {
     address_of(DB_GetMonitorPointNumLoadOperator),   // 149
     address_of(DB_GetMonitorPointOperator),          // 150
     address_of(DB_MonitorPointHasOperator),          // 151
-    nullptr,                                         // 152
-    nullptr,                                         // 153
+    address_of(DB_Mirror),                           // 152
+    address_of(DB_Rotate),                           // 153
     address_of(DB_Translate),                        // 154
     address_of(DB_RenumberInterfaceNodes),           // 155
     address_of(DB_RenumberNodes),                    // 156
