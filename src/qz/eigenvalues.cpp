@@ -102,11 +102,13 @@ void Eigenvalues::store_real(int i) {
   beta_[i] = std::fabs(b_(i, i));
 }
 
-// Rows and columns k and k + 1.
+// Rows and columns k and k + 1. A negligible diagonal element of B counts as zero, an infinite eigenvalue.
 void Eigenvalues::reduce_pair(int k) {
   if (std::fabs(b_(k, k)) <= small_b_) {
+    b_(k, k) = 0.0;
     reflect_pair_rows(k, a_(k, k), a_(k + 1, k));
   } else if (std::fabs(b_(k + 1, k + 1)) <= small_b_) {
+    b_(k + 1, k + 1) = 0.0;
     reflect_pair_columns(k, a_(k + 1, k + 1), a_(k + 1, k));
   } else {
     const Block p = scaled_block(a_, b_, k);
@@ -130,14 +132,16 @@ void Eigenvalues::split_pair(int k, const Block& p, const Roots& roots) {
   const double a11 = p.a11 - e * p.b11;
   const double a12 = p.a12 - e * p.b12;
   const double a22 = p.a22 - e * p.b22;
-  if (std::fabs(a11) + std::fabs(a12) < std::fabs(p.a21) + std::fabs(a22))
+  if (std::fabs(a11) + std::fabs(a12) < std::fabs(p.a21) + std::fabs(a22)) {
     reflect_pair_columns(k, a22, p.a21);
-  else
+  } else {
     reflect_pair_columns(k, a12, a11);
-  if (p.a_scale < std::fabs(e) * p.b_scale)
+  }
+  if (p.a_scale < std::fabs(e) * p.b_scale) {
     reflect_pair_rows(k, a_(k, k), a_(k + 1, k));
-  else
+  } else {
     reflect_pair_rows(k, b_(k, k), b_(k + 1, k));
+  }
 }
 
 void Eigenvalues::reflect_pair_columns(int k, double x1, double x2) {

@@ -51,10 +51,11 @@ class RealVector {
     const double* const a = a_.column(k_);
     for (int i = 0; i < k_; ++i) x_[i] = beta_ * a[i] - alpha_ * x_[i];
     for (int i = k_ - 1; i >= 0; --i) {
-      if (i > 0 && beta_ * a_(i, i - 1) != 0.0)
+      if (i > 0 && beta_ * a_(i, i - 1) != 0.0) {
         solve_two(--i);
-      else
+      } else {
         solve_one(i);
+      }
     }
   }
 
@@ -119,10 +120,11 @@ class ComplexVector {
   void solve() {
     start();
     for (int i = k_ - 1; i >= 0; --i) {
-      if (i > 0 && beta_ * a_(i, i - 1) != 0.0)
+      if (i > 0 && beta_ * a_(i, i - 1) != 0.0) {
         solve_two(--i);
-      else
+      } else {
         solve_one(i);
+      }
     }
   }
 
@@ -174,12 +176,13 @@ class ComplexVector {
         divide_by_diagonal({y * r.re - w.re * s.re + w.im * s.im, y * r.im - w.re * s.im - w.im * s.re},
                            {w.re * z.re - w.im * z.im - x.re * y, w.re * z.im + w.im * z.re - x.im * y});
     store(i + 1, lower);
-    if (std::fabs(y) > std::fabs(w.re) + std::fabs(w.im))
+    if (std::fabs(y) > std::fabs(w.re) + std::fabs(w.im)) {
       store(i, {(-s.re - z.re * lower.re + z.im * lower.im) / y,
                 (-s.im - z.re * lower.im - z.im * lower.re) / y});
-    else
+    } else {
       store(i, divide({-r.re - x.re * lower.re + x.im * lower.im, -r.im - x.re * lower.im - x.im * lower.re},
                       w));
+    }
     carry(i + 1, i);
     carry(i, i);
   }

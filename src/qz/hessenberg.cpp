@@ -9,7 +9,6 @@ namespace {
 using fmd::qz::Matrix;
 using fmd::qz::reflect_columns;
 using fmd::qz::reflect_rows;
-using fmd::qz::Reflection2;
 using fmd::qz::reflection_of;
 
 void set_identity(const Matrix& z, int n) {
@@ -75,7 +74,8 @@ void FMD_QZHESS(int* nm, int* n, double* a, double* b, int* matz, double* z) {
   const bool accumulate = *matz != 0;
   if (accumulate) set_identity(vectors, order);
   for (int k = 0; k < order - 1; ++k) triangularize_column(stiffness, mass, k, order);
-  for (int k = 0; k < order - 2; ++k)
+  for (int k = 0; k < order - 2; ++k) {
     for (int row = order - 2; row > k; --row)
       remove_element(stiffness, mass, accumulate ? &vectors : nullptr, row, k, order);
+  }
 }
