@@ -615,9 +615,15 @@ double* FMD_Convert_Units(double* values, int count, double factor);
 /* The four unit labels, or their defaults, into buffers of 16 bytes. */
 void FMD_Units(FmdBody* body, char* mass, char* length, char* time, char* force);
 
-/* Sets the unit labels of a body that has none yet, without changing a number. Labels that no table knows
-   are refused with a message and nothing is set; units that are set already stay. */
+/* Sets the unit labels. A body that has none yet is only told what its numbers are; one that has is rescaled:
+   all that it holds in memory now, mode vectors and what else lies in a file as it is fetched. Labels that no
+   table knows change nothing, without a message. Values set afterwards are in the new units, but for mode
+   vectors, which a file keeps in the first ones. */
 void FMD_SetUnits(FmdBody* body, char* mass, char* length, char* time, char* force);
+/* The same by the sizes of the units in kilograms, metres, seconds and newtons. */
+void FMD_SetUnitsByMultiplierOnSI(FmdBody* body, double mass, double length, double time, double force);
+/* Rescales the body by the factors of its latest change of units; FMD_SetUnits has done that already. */
+void FMD_ScaleDatabase(FmdBody* body);
 
 /* Unit consistency factor: eigenvalue times this is the square of the circular frequency. */
 double FMD_UCF(FmdBody* body);
@@ -759,6 +765,7 @@ int DB_SetInvar7(FmdBody* body, double* values);
 int DB_SetInvar8(FmdBody* body, int mode, double* values);
 int DB_SetInvar9(FmdBody* body, int row, int column, double* values);
 void DB_SetUnits(FmdBody* body, char* mass, char* length, char* time, char* force);
+void DB_SetUnitsByMultiplierOnSI(FmdBody* body, double mass, double length, double time, double force);
 void DB_Units(FmdBody* body, char* mass, char* length, char* time, char* force);
 double DB_Mass2Kilogram(FmdBody* body, double value);
 double DB_Force2Newton(FmdBody* body, double value);

@@ -77,6 +77,7 @@ const Pair kPairs[] = {
     PAIR(SetInvar8),
     PAIR(SetInvar9),
     PAIR(SetUnits),
+    PAIR(SetUnitsByMultiplierOnSI),
     PAIR(Units),
     PAIR(Mass2Kilogram),
     PAIR(Force2Newton),

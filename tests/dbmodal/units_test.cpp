@@ -74,14 +74,33 @@ TEST_F(Units, AnyUnknownLabelLeavesAllAsTheyWere) {
   EXPECT_TRUE(log.all.empty());
 }
 
-TEST_F(Units, TheSameUnitsAgainAreNoChangeAndOthersAreRefused) {
+TEST_F(Units, TheSameUnitsAgainAreNoChange) {
   set("KILOGRAM", "METER", "SECOND", "NEWTON");
   set("kilogram", "meter", "second", "newton");
   EXPECT_TRUE(log.all.empty());
-  set("GRAM", "METER", "SECOND", "NEWTON");
-  EXPECT_EQ(log.errors, std::vector<std::string>{"Changing the units of a body is not available yet."});
-  EXPECT_EQ(labels(), kDefaults);
-  EXPECT_EQ(body->UnitTotalFactor[fmd::kMass], 1.0);
+  for (const double factor : body->UnitTotalFactor) EXPECT_EQ(factor, 1.0);
+}
+
+TEST_F(Units, AChangeScalesWhatTheBodyHolds) {
+  set("KILOGRAM", "METER", "SECOND", "NEWTON");
+  FMD_SetNodeCoordinates(body, 1, 10.0, 20.0, 30.0);
+  FMD_AddNodalMass(body, 1, 2.0);
+  set("GRAM", "CENTIMETER", "SECOND", "NEWTON");
+  double xyz[3];
+  ASSERT_EQ(FMD_NodeCoordinates(body, 0, xyz), 1);
+  EXPECT_DOUBLE_EQ(xyz[1], 2000.0);
+  EXPECT_DOUBLE_EQ(body->Nodes[0].Mass, 2000.0);
+  EXPECT_DOUBLE_EQ(body->UnitTotalFactor[fmd::kMass], 1000.0);
+  EXPECT_DOUBLE_EQ(body->UnitTotalFactor[fmd::kLength], 100.0);
+  EXPECT_TRUE(log.all.empty());
+}
+
+TEST_F(Units, SizesOnSiFindTheirLabels) {
+  FMD_SetUnitsByMultiplierOnSI(body, 1000.0, 0.001, 1.0, 1.0);
+  EXPECT_EQ(labels(), (std::vector<std::string>{"MEGAGRAM", "MILLIMETER", "SECOND", "NEWTON"}));
+  FMD_SetUnitsByMultiplierOnSI(body, 1.0, 1.0, 1.0, 1.5);
+  EXPECT_EQ(labels(), (std::vector<std::string>{"MEGAGRAM", "MILLIMETER", "SECOND", "NEWTON"}));
+  EXPECT_TRUE(log.all.empty());
 }
 
 TEST_F(Units, UnknownStoredLabelsMakeZero) {

@@ -28,7 +28,7 @@ class RefusedOption : public Refusal, public ::testing::WithParamInterface<const
 
 INSTANTIATE_TEST_SUITE_P(Of, RefusedOption,
                          ::testing::Values("lbrf2cm", "sketch(mesh.txt)", "sketch(\"mesh.txt\")",
-                                           "strip_face", "coarsen(0.5)", "MKS"),
+                                           "strip_face", "coarsen(0.5)"),
                          [](const auto& form) { return "Case" + std::to_string(form.index); });
 
 TEST_P(RefusedOption, IsNamedAndLeavesNoFile) {

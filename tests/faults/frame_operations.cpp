@@ -127,6 +127,16 @@ const std::vector<Operation> frame_operations = {
        FMD_SetUnits(s.body, units[0], units[1], units[2], units[3]);
        return FMD_Length2Meter(s.body, 2000.0) == 2.0;
      }},
+    {"FMD_SetUnitsByMultiplierOnSI", full_body,
+     [](Scene& s) {
+       FMD_SetUnitsByMultiplierOnSI(s.body, 1000.0, 0.001, 1.0, 1.0);
+       return FMD_Length2Meter(s.body, 2000.0) == 2.0;
+     }},
+    {"FMD_ScaleDatabase", full_body,
+     [](Scene& s) {
+       FMD_ScaleDatabase(s.body);
+       return FMD_UCF(s.body) == 1.0;
+     }},
     {"FMD_UCF", full_body, [](Scene& s) { return FMD_UCF(s.body) == 1.0; }},
 };
 

@@ -55,6 +55,14 @@ void renew_statistics(WriteJob& job) {
   job.summary[kModalStatistics] = 1;
 }
 
+void change_to_si_units(FmdBody* body) {
+  char mass[] = "KILOGRAM";
+  char length[] = "METER";
+  char time[] = "SECOND";
+  char force[] = "NEWTON";
+  FMD_SetUnits(body, mass, length, time, force);
+}
+
 }  // namespace
 
 void run_mesh_stage(WriteJob& job) {
@@ -100,7 +108,7 @@ void run_content_stages(WriteJob& job) {
   if (!job.ok) return;
 
   if (job.options.empty) run_empty_stage(job);
-  if (job.options.mks) refuse_option(job, "MKS");
+  if (job.options.mks && job.may_change_units) change_to_si_units(job.body);
 }
 
 }  // namespace fmd

@@ -45,6 +45,10 @@ void DB_SetUnits(FmdBody* body, char* mass, char* length, char* time, char* forc
   FMD_SetUnits(body, mass, length, time, force);
 }
 
+void DB_SetUnitsByMultiplierOnSI(FmdBody* body, double mass, double length, double time, double force) {
+  FMD_SetUnitsByMultiplierOnSI(body, mass, length, time, force);
+}
+
 void DB_Units(FmdBody* body, char* mass, char* length, char* time, char* force) {
   FMD_Units(body, mass, length, time, force);
 }

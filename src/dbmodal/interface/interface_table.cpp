@@ -27,7 +27,7 @@ void* const kTable[kEntries] = {
     address_of(DB_SetInvar8),                        // 10
     address_of(DB_SetInvar9),                        // 11
     address_of(DB_SetUnits),                         // 12
-    nullptr,                                         // 13
+    address_of(DB_SetUnitsByMultiplierOnSI),         // 13
     address_of(DB_Units),                            // 14
     address_of(DB_Mass2Kilogram),                    // 15
     address_of(DB_Force2Newton),                     // 16
