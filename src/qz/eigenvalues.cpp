@@ -45,6 +45,18 @@ Roots roots_of(const Block& p) {
   return {origin, c, c * c + s * (p.a12 - origin * p.b12)};
 }
 
+// One eigenvalue of a complex pair, as the ratio that is delivered.
+struct Ratio {
+  double alfr, alfi, beta;
+};
+
+// From a diagonal element of both transformed matrices.
+Ratio ratio_of(const Block& p, double a_re, double a_im, double b_re, double b_im) {
+  const double im = a_im * b_re - a_re * b_im;
+  const double r = std::sqrt(b_re * b_re + b_im * b_im);
+  return {p.a_scale * (a_re * b_re + a_im * b_im) / r, p.a_scale * im / r, p.b_scale * r};
+}
+
 // A complex plane rotation; its cosine is real.
 struct Rotation {
   double c, re, im;
@@ -82,7 +94,7 @@ class Eigenvalues {
   void reduce_pair(int k);
   void split_pair(int k, const Block& p, const Roots& roots);
   void store_complex_pair(int k, const Block& p, const Roots& roots);
-  void store_one_of_pair(int k, const Block& p, double a_re, double a_im, double b_re, double b_im);
+  void store(int i, const Ratio& ratio);
   void reflect_pair_columns(int k, double x1, double x2);
   void reflect_pair_rows(int k, double x1, double x2);
 
@@ -179,25 +191,25 @@ void Eigenvalues::store_complex_pair(int k, const Block& p, const Roots& roots) 
                              z.im * p.a22);
   const double both = q.re * z.re + q.im * z.im;
   const double both_im = q.re * z.im - q.im * z.re;
-  store_one_of_pair(k, p, q.c * z.c * p.a11 + q.c * z.re * p.a12 + q.re * z.c * p.a21 + both * p.a22,
-                    q.c * z.im * p.a12 - q.im * z.c * p.a21 + both_im * p.a22,
-                    q.c * z.c * p.b11 + q.c * z.re * p.b12 + both * p.b22,
-                    q.c * z.im * p.b12 + both_im * p.b22);
-  store_one_of_pair(k, p, both * p.a11 - q.re * z.c * p.a12 - q.c * z.re * p.a21 + q.c * z.c * p.a22,
-                    -both_im * p.a11 - q.im * z.c * p.a12 + q.c * z.im * p.a21,
-                    both * p.b11 - q.re * z.c * p.b12 + q.c * z.c * p.b22,
-                    -both_im * p.b11 - q.im * z.c * p.b12);
+  const Ratio first =
+      ratio_of(p, q.c * z.c * p.a11 + q.c * z.re * p.a12 + q.re * z.c * p.a21 + both * p.a22,
+               q.c * z.im * p.a12 - q.im * z.c * p.a21 + both_im * p.a22,
+               q.c * z.c * p.b11 + q.c * z.re * p.b12 + both * p.b22, q.c * z.im * p.b12 + both_im * p.b22);
+  const Ratio second =
+      ratio_of(p, both * p.a11 - q.re * z.c * p.a12 - q.c * z.re * p.a21 + q.c * z.c * p.a22,
+               -both_im * p.a11 - q.im * z.c * p.a12 + q.c * z.im * p.a21,
+               both * p.b11 - q.re * z.c * p.b12 + q.c * z.c * p.b22, -both_im * p.b11 - q.im * z.c * p.b12);
+  // The one with the positive imaginary part comes first. In a pair that rounding alone made complex both
+  // may have one sign: they still get a place each.
+  const bool turned = first.alfi < 0.0 || (first.alfi == 0.0 && second.alfi > 0.0);
+  store(turned ? k + 1 : k, first);
+  store(turned ? k : k + 1, second);
 }
 
-// From a diagonal element of both transformed matrices. The one with the positive imaginary part comes first.
-void Eigenvalues::store_one_of_pair(int k, const Block& p, double a_re, double a_im, double b_re,
-                                    double b_im) {
-  const double im = a_im * b_re - a_re * b_im;
-  const double r = std::sqrt(b_re * b_re + b_im * b_im);
-  const int i = im < 0.0 ? k + 1 : k;
-  beta_[i] = p.b_scale * r;
-  alfr_[i] = p.a_scale * (a_re * b_re + a_im * b_im) / r;
-  alfi_[i] = p.a_scale * im / r;
+void Eigenvalues::store(int i, const Ratio& ratio) {
+  alfr_[i] = ratio.alfr;
+  alfi_[i] = ratio.alfi;
+  beta_[i] = ratio.beta;
 }
 
 }  // namespace

@@ -271,4 +271,22 @@ TEST(ManyScales, AreSolvedAlike) {
   }
 }
 
+// A multiple of B has one eigenvalue, and rounding makes a complex pair of two of them.
+TEST(OneEigenvalueForAll, IsFoundAsOftenAsThereAreRows) {
+  MatrixPair pair = {SquareMatrix(3), SquareMatrix(3)};
+  const double b[3][3] = {{2.0, 1.0, 0.5}, {1.0, 3.0, 0.25}, {0.5, 0.25, 1.0}};
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) {
+      pair.b(i, j) = b[i][j];
+      pair.a(i, j) = 5.0 * b[i][j];
+    }
+  }
+  const Solution s = fmdtest::solve(pair);
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_GT(s.beta[i], 0.1) << i;
+    EXPECT_NEAR(s.alfr[i] / s.beta[i], 5.0, 1e-13) << i;
+    EXPECT_NEAR(s.alfi[i], 0.0, 1e-6) << i;
+  }
+}
+
 }  // namespace
