@@ -356,6 +356,12 @@ int FMD_SetTransformation(FmdBody* body, double* matrix);
    refused with a message. 0 on failure and for a body without modes. */
 int FMD_OrthoNormalize(FmdBody* body);
 
+/* Rewrites the mode vectors of a type so that new mode c is the sum over the old modes a of T(a, c) times mode
+   a, T FMD_ModeCount squared doubles, row by row. At least the first count new modes are made, those after
+   them may be zero; the number of modes stays. 0 after a message, with the vectors as they were, and for a
+   null matrix. */
+int FMD_TransformModes(FmdBody* body, int type, int count, double* matrix);
+
 /* --------------------------------------------------------- mass and inertia -- */
 
 /* Stores mass, centre (3) and inertia (9), with a warning for each that disagrees with the invariants. */

@@ -82,6 +82,11 @@ const std::vector<Operation> matrix_operations = {
     {"FMD_SetTransformation", full_body, sets_transformation},
     {"FMD_SetTransformation.second", body_with_transformation, sets_transformation},
     {"FMD_OrthoNormalize", full_body, [](Scene& s) { return FMD_OrthoNormalize(s.body) == 1; }},
+    {"FMD_TransformModes", full_body,
+     [](Scene& s) {
+       double identity[] = {1, 0, 0, 1};
+       return FMD_TransformModes(s.body, 1, 2, identity) == 1;
+     }},
 
     {"FMD_SetGlobalMass", full_body,
      [](Scene& s) { return FMD_SetGlobalMass(s.body, 2.0, s.values, s.values + 3) == 1; }},

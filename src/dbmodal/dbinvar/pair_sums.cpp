@@ -88,22 +88,6 @@ void copy_transposed(const double* tensor, double* to) {
 
 }  // namespace
 
-bool has_vector_unit(VectorUnit unit) {
-  switch (unit) {
-    case VectorUnit::kAvx512:
-      return __builtin_cpu_supports("avx512f") != 0;
-    case VectorUnit::kAvx2:
-      return __builtin_cpu_supports("avx2") != 0;
-    default:
-      return true;
-  }
-}
-
-VectorUnit widest_vector_unit() {
-  if (has_vector_unit(VectorUnit::kAvx512)) return VectorUnit::kAvx512;
-  return has_vector_unit(VectorUnit::kAvx2) ? VectorUnit::kAvx2 : VectorUnit::kSse2;
-}
-
 std::int64_t pair_sums_workspace(int modes, int block_nodes) {
   const std::int64_t rows = std::int64_t{rounded_up(modes, kRowsTogether)} + kWidest;
   return std::int64_t{3} * block_nodes * rows + kAlign / static_cast<std::int64_t>(sizeof(double));

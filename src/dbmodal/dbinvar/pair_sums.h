@@ -16,13 +16,9 @@
 
 #include <cstdint>
 
+#include "system/vector_unit.h"
+
 namespace fmd {
-
-enum class VectorUnit { kSse2, kAvx2, kAvx512 };
-
-// Whether this machine has the unit, and the widest one that it has.
-bool has_vector_unit(VectorUnit unit);
-VectorUnit widest_vector_unit();
 
 // The three translations of a mode at node p stand at values + p * stride.
 struct ModeTranslations {
