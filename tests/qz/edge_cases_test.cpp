@@ -76,6 +76,21 @@ TEST(OrderOne, IsLeftAsItIsByTheReductions) {
   }
 }
 
+// A caller's own numbers: the second of a pair needs a first before it.
+TEST(OrderOne, HasARealVectorWhateverIsSaid) {
+  int n = 1;
+  double a = 3.0;
+  double b[] = {-5.0, 2.0};
+  double z[] = {-5.0, 1.0};
+  double alfr = 3.0;
+  double alfi = 1.0;
+  double beta = 2.0;
+  FMD_QZVECC(&n, &n, &a, b + 1, &alfr, &alfi, &beta, z + 1);
+  EXPECT_EQ(b[0], -5.0);
+  EXPECT_EQ(z[0], -5.0);
+  EXPECT_EQ(z[1], 1.0);
+}
+
 TEST(OrderZero, IsSolvedAndTouchesNothing) {
   int nm = 1;
   int n = 0;
@@ -144,6 +159,41 @@ TEST(SingularMass, GivesAnInfiniteEigenvalueAndNoError) {
       EXPECT_GE(std::count(s.beta.begin(), s.beta.end(), 0.0), how == 7 ? n : 1);
       EXPECT_LE(fmdtest::largest_residual(pair, s), 2 * n * kRoundoff);
     }
+  }
+}
+
+// A diagonal element of the triangular B that rounding leaves, or a column far below the norm, in a block of
+// two rows.
+TEST(SingularMass, OfOrderTwoMayBeSingularToRoundingOnly) {
+  MatrixPair pair = {SquareMatrix(2), SquareMatrix(2)};
+  pair.a.values = {2, 1, 1, 3};
+  for (const std::vector<double>& b :
+       {std::vector<double>{16, 4, 4, 1}, std::vector<double>{1e-20, 1e-20, 1, 2}}) {
+    pair.b.values = b;
+    const Solution s = fmdtest::solve(pair);
+    EXPECT_EQ(s.error, 0);
+    EXPECT_EQ(std::count(s.beta.begin(), s.beta.end(), 0.0), 1) << testing::PrintToString(b);
+    EXPECT_LE(fmdtest::largest_residual(pair, s), 4 * kRoundoff);
+  }
+}
+
+// Two small elements in succession below the diagonal let a step begin in the middle of the block, where B
+// has a zero on its diagonal.
+TEST(SingularMass, MayBeMetInTheMiddleOfABlock) {
+  for (const int n : {4, 5, 6, 9}) {
+    SCOPED_TRACE(n);
+    MatrixPair pair = {SquareMatrix(n), fmdtest::identity(n)};
+    for (int j = 0; j < n; ++j)
+      for (int i = 0; i <= j; ++i) pair.a(i, j) = i == j ? 1.0 + i : 0.25;
+    for (int i = 1; i < n; ++i) pair.a(i, i - 1) = 0.5;
+    pair.a(1, 0) = 1e-9;
+    pair.a(2, 1) = 1e-8;
+    pair.b(1, 1) = 0.0;
+    pair.b(0, 1) = pair.b(1, 2) = 0.5;
+    const Solution s = fmdtest::solve(pair);
+    EXPECT_EQ(s.error, 0);
+    EXPECT_EQ(std::count(s.beta.begin(), s.beta.end(), 0.0), 1);
+    EXPECT_LE(fmdtest::largest_residual(pair, s), 2 * n * kRoundoff);
   }
 }
 
@@ -233,6 +283,21 @@ TEST(LargeJordanBlock, HasVectorsWithoutOverflow) {
     EXPECT_LE(fmdtest::largest_residual(pair, s), 2 * n * kRoundoff);
     for (int j = 0; j < n; ++j) EXPECT_EQ(std::fabs(s.z(0, j)), 1.0) << j;
   }
+}
+
+// The same with a quarter turn for each eigenvalue.
+TEST(LargeJordanBlock, OfComplexEigenvaluesHasVectorsWithoutOverflow) {
+  const int n = 200;
+  MatrixPair pair = {SquareMatrix(n), fmdtest::identity(n)};
+  for (int i = 0; i < n; i += 2) {
+    pair.a(i, i + 1) = -1.0;
+    pair.a(i + 1, i) = 1.0;
+    if (i > 0) pair.a(i - 2, i) = pair.a(i - 1, i + 1) = 1.0;
+  }
+  const Solution s = fmdtest::solve(pair);
+  EXPECT_EQ(s.error, 0);
+  EXPECT_LE(fmdtest::largest_residual(pair, s), 2 * n * kRoundoff);
+  for (int i = 0; i < n; i += 2) EXPECT_NEAR(s.alfi[static_cast<std::size_t>(i)], 1.0, 4 * kRoundoff) << i;
 }
 
 // The steps would leave a permutation of this kind as it is, had they no exceptional shift.
