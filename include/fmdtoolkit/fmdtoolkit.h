@@ -667,6 +667,15 @@ int FMD_RemoveInternalGeometry(FmdBody* body);
    warning, and the body then keeps its faces. */
 void FMD_SketchGrid(FmdBody* body, char* path);
 
+/* Coarsens the faces: where all faces around a node are nearly coplanar and their corners near, they become
+   one polygon. Nodes, modes and masses stay. Options: "resolution,angle,flag,id,id,...,preserve_str", any one
+   character between two numbers: how near, as a fraction of the diagonal of the nodes' box, up to 0.5; most
+   degrees between faces, up to 45; not 0 to drop vertices on straight edges too; ids of nodes to preserve, up
+   to the first 0; the word to preserve the nodes of stress and strain. Interface nodes are always preserved.
+   A number out of range is a warning, and 0.02 or 10 is taken. No options: nothing happens. The mesh counts
+   as coarsened from then on. */
+void FMD_TrimGeometry(FmdBody* body, char* options);
+
 /* 1 if the faces have been sketched or coarsened, or have more than four corners. */
 int FMD_IsCoarsened(FmdBody* body);
 

@@ -15,30 +15,7 @@ class Refusal : public WriteTest {
     EXPECT_FALSE(log.errors.empty()) << options;
     EXPECT_FALSE(std::filesystem::exists("out.fmd")) << options;
   }
-
-  bool an_error_names(const std::string& word) const {
-    for (const std::string& error : log.errors) {
-      if (error.find(word) != std::string::npos) return true;
-    }
-    return false;
-  }
 };
-
-class RefusedOption : public Refusal, public ::testing::WithParamInterface<const char*> {};
-
-INSTANTIATE_TEST_SUITE_P(Of, RefusedOption,
-                         ::testing::Values("lbrf2cm", "sketch(mesh.txt)", "sketch(\"mesh.txt\")",
-                                           "strip_face", "coarsen(0.5)"),
-                         [](const auto& form) { return "Case" + std::to_string(form.index); });
-
-TEST_P(RefusedOption, IsNamedAndLeavesNoFile) {
-  const std::string option = GetParam();
-  FmdBody* body = make_sample_body();
-  expect_refused(body, option);
-  EXPECT_TRUE(an_error_names(option.substr(0, option.find('(')))) << log.errors[0];
-  expect_refused(body, option + " no_xdr single");
-  EXPECT_EQ(write(body), 1);
-}
 
 TEST_F(Refusal, OfModesThatNeedTheEigenproblem) {
   FmdBody* body = make_sample_body();

@@ -32,6 +32,18 @@ void body_with_free_edges(Scene& scene) {
   FMD_GenerateFreeEdges(scene.body);
 }
 
+// A plate of two by two squares above the cube, of which one polygon is made.
+void body_with_plate(Scene& scene) {
+  full_body(scene);
+  constexpr int kPlate = 101;
+  for (int node = 0; node < 9; ++node)
+    FMD_SetNodeCoordinates(scene.body, kPlate + node, 0.1 * (node % 3), 0.1 * (node / 3), 2.0);
+  for (const int first : {0, 1, 3, 4}) {
+    int corners[] = {kPlate + first, kPlate + first + 1, kPlate + first + 4, kPlate + first + 3};
+    FMD_SetFaceList(scene.body, 4, corners);
+  }
+}
+
 int face_count(FmdBody* body) {
   int faces = 0;
   int length = 0;
@@ -69,6 +81,13 @@ const std::vector<Operation> geometry_operations = {
        FMD_SketchGrid(s.body, path);
        return face_count(s.body) == 1;
      }},
+    {"FMD_TrimGeometry", body_with_plate,
+     [](Scene& s) {
+       char options[] = "0.2,10,1,preserve_str";
+       FMD_TrimGeometry(s.body, options);
+       return face_count(s.body) == 3;
+     },
+     Failure::kReported, false},  // it goes on with what it has
     {"FMD_IsCoarsened", full_body, [](Scene& s) { return FMD_IsCoarsened(s.body) == 0; }},
     {"FMD_GenerateFreeEdges", surface_body,
      [](Scene& s) { return FMD_GenerateFreeEdges(s.body) == 1 && FMD_GetFreeEdgeCount(s.body) == 2; }},

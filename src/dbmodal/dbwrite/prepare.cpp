@@ -13,11 +13,6 @@ namespace fmd {
 
 namespace {
 
-void refuse_option(WriteJob& job, const char* option) {
-  FMD_Error("The write option %s is not available yet.", option);
-  job.ok = false;
-}
-
 void run_orthonormal_stage(WriteJob& job) {
   FmdBody* const body = job.body;
   const bool had_modes = body->ModeCount > 0;
@@ -64,13 +59,6 @@ void change_to_si_units(FmdBody* body) {
 }
 
 }  // namespace
-
-void run_mesh_stage(WriteJob& job) {
-  if (job.options.shift_to_center_of_mass) refuse_option(job, "lbrf2cm");
-  if (!job.options.sketch.empty()) refuse_option(job, "sketch");
-  if (job.options.strip_faces) refuse_option(job, "strip_face");
-  if (!job.options.coarsen.empty()) refuse_option(job, "coarsen");
-}
 
 void choose_version(WriteJob& job) {
   const VersionChoice choice = choose_version(job.options);

@@ -1,14 +1,11 @@
-// The stages of a write that edit the body, in the order in which they run. What a stage did stays in the
-// body.
+// The stages of a write that follow the mesh stage, in the order in which they run. What a stage did stays in
+// the body.
 #ifndef FMDTOOLKIT_DBMODAL_DBWRITE_PREPARE_H
 #define FMDTOOLKIT_DBMODAL_DBWRITE_PREPARE_H
 
 #include "dbmodal/dbwrite/job.h"
 
 namespace fmd {
-
-// Shift of the frame, sketch, stripping and coarsening of the faces; before the version word.
-void run_mesh_stage(WriteJob& job);
 
 // Version word and conflicts; a conflict clears the job's status.
 void choose_version(WriteJob& job);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "dbmodal/dbwrite/mesh_stage.h"
 #include "dbmodal/dbwrite/prepare.h"
 #include "dbmodal/dbwrite/serialise.h"
 #include "fmdtoolkit/fmdtoolkit.h"
