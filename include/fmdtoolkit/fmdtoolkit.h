@@ -30,10 +30,11 @@
  *                  or one at a time. Even a lookup may change a body.
  * 12. Signals.     The library changes no signal's disposition. A host that limits file sizes ignores
  *                  SIGXFSZ; the write then fails with a message.
- * 13. Environment. KXI_KADCDB_DIR           an existing directory for the database; without it no body is
- * made KXI_FMDWRITE_OPTIONS      options of FMD_write_FMD FMD_MAX_MODE_MEMORY       budget of the mode cache
- * in megabytes, default 200 FMD_RIGID_BODY_THRESHOLD  frequency in Hz up to which one of the first six modes
- * is rigid KXI_MFORCE_NO_FEA_MASS    if set, rigid loads come from a fit and not from the nodal masses
+ * 13. Environment. KXI_KADCDB_DIR           an existing directory for the database; needed for any body
+ *                  KXI_FMDWRITE_OPTIONS      options of FMD_write_FMD
+ *                  FMD_MAX_MODE_MEMORY       budget of the mode cache in megabytes, default 200
+ *                  FMD_RIGID_BODY_THRESHOLD  frequency in Hz up to which a mode is taken for rigid
+ *                  KXI_MFORCE_NO_FEA_MASS    if set, rigid loads come from a fit, not from nodal masses
  */
 #ifndef FMDTOOLKIT_FMDTOOLKIT_H
 #define FMDTOOLKIT_FMDTOOLKIT_H
@@ -356,10 +357,10 @@ int FMD_SetTransformation(FmdBody* body, double* matrix);
    refused with a message. 0 on failure and for a body without modes. */
 int FMD_OrthoNormalize(FmdBody* body);
 
-/* Rewrites the mode vectors of a type so that new mode c is the sum over the old modes a of T(a, c) times mode
-   a, T FMD_ModeCount squared doubles, row by row. At least the first count new modes are made, those after
-   them may be zero; the number of modes stays. 0 after a message, with the vectors as they were, and for a
-   null matrix. */
+/* Rewrites the mode vectors of a type so that new mode c is the sum over the old modes a of T(a, c) times
+   mode a, T FMD_ModeCount squared doubles, row by row. At least the first count new modes are made, those
+   after them may be zero; the number of modes stays. 0 after a message, with the vectors as they were, and
+   for a null matrix. */
 int FMD_TransformModes(FmdBody* body, int type, int count, double* matrix);
 
 /* --------------------------------------------------------- mass and inertia -- */
@@ -433,14 +434,14 @@ void incr_scalar_tilde_tilde(double* out, double s, double* a, double* b);
    without 3 stays behind with a message. */
 int FMD_Translate(FmdBody* body, double* direction, double distance);
 
-/* Turn the body about an axis (3), which need not be of unit length; the angle is in degrees. FMD_Rotate turns
-   about the axis through the point (3), by the right-hand rule. FMD_Rotate_Origin turns about the axis through
-   the origin, against that rule, and hands out the matrix A (9) by which row vectors were multiplied: r' = r A.
-   Mode shapes, stresses and strains are rewritten in a new scratch block; coordinates, nodal inertias, mass
-   properties and the invariants that the body knows follow. Eigenvalues, generalized matrices, loads, faces,
-   monitor points and operators stay. A kind of mode vectors that cannot be rewritten stays with a message,
-   which is not a failure. 0 where an invariant cannot be had or cannot follow. Nothing guards against an axis
-   of no length, which fills the body with NaNs. */
+/* Turn the body about an axis (3), which need not be of unit length; the angle is in degrees. FMD_Rotate
+   turns about the axis through the point (3), by the right-hand rule. FMD_Rotate_Origin turns about the axis
+   through the origin, against that rule, and hands out the matrix A (9) by which row vectors were multiplied:
+   r' = r A. Mode shapes, stresses and strains are rewritten in a new scratch block; coordinates, nodal
+   inertias, mass properties and the invariants that the body knows follow. Eigenvalues, generalized matrices,
+   loads, faces, monitor points and operators stay. A kind of mode vectors that cannot be rewritten stays with
+   a message, which is not a failure. 0 where an invariant cannot be had or cannot follow. Nothing guards
+   against an axis of no length, which fills the body with NaNs. */
 int FMD_Rotate_Origin(FmdBody* body, double* axis, double angle, double* matrix);
 int FMD_Rotate(FmdBody* body, double* axis, double* point, double angle);
 
