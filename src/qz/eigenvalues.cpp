@@ -199,11 +199,16 @@ void Eigenvalues::store_complex_pair(int k, const Block& p, const Roots& roots) 
       ratio_of(p, both * p.a11 - q.re * z.c * p.a12 - q.c * z.re * p.a21 + q.c * z.c * p.a22,
                -both_im * p.a11 - q.im * z.c * p.a12 + q.c * z.im * p.a21,
                both * p.b11 - q.re * z.c * p.b12 + q.c * z.c * p.b22, -both_im * p.b11 - q.im * z.c * p.b12);
-  // The one with the positive imaginary part comes first. In a pair that rounding alone made complex both
-  // may have one sign: they still get a place each.
-  const bool turned = first.alfi < 0.0 || (first.alfi == 0.0 && second.alfi > 0.0);
-  store(turned ? k + 1 : k, first);
-  store(turned ? k : k + 1, second);
+  if (first.alfi * second.alfi < 0.0) {
+    // The one with the positive imaginary part comes first.
+    store(first.alfi > 0.0 ? k : k + 1, first);
+    store(first.alfi > 0.0 ? k + 1 : k, second);
+  } else {
+    // Rounding has eaten the imaginary parts of a pair that it alone made complex. The vectors want one.
+    const double im = p.a_scale / p.b_scale * ei;
+    store(k, {first.alfr, im * first.beta, first.beta});
+    store(k + 1, {second.alfr, -im * second.beta, second.beta});
+  }
 }
 
 void Eigenvalues::store(int i, const Ratio& ratio) {

@@ -61,10 +61,11 @@ class RealVector {
 
  private:
   double equation(int i, int j) const { return beta_ * a_(i, j) - alpha_ * b_(i, j); }
+  double nonzero(double divisor) const { return divisor == 0.0 ? small_b_ : divisor; }
 
   void solve_one(int i) {
     const double w = equation(i, i);
-    x_[i] = -x_[i] / (w == 0.0 ? small_b_ : w);
+    x_[i] = -x_[i] / nonzero(w);
     carry(i, i);
   }
 
@@ -76,9 +77,9 @@ class RealVector {
     const double z = equation(i + 1, i + 1);
     const double r = x_[i];
     const double s = x_[i + 1];
-    const double t = (x * s - z * r) / (w * z - x * y);
+    const double t = (x * s - z * r) / nonzero(w * z - x * y);
     x_[i] = t;
-    x_[i + 1] = std::fabs(x) > std::fabs(z) ? (-r - w * t) / x : (-s - y * t) / z;
+    x_[i + 1] = std::fabs(x) > std::fabs(z) ? (-r - w * t) / x : (-s - y * t) / nonzero(z);
     carry(i + 1, i);
     carry(i, i);
   }
@@ -180,8 +181,9 @@ class ComplexVector {
       store(i, {(-s.re - z.re * lower.re + z.im * lower.im) / y,
                 (-s.im - z.re * lower.im - z.im * lower.re) / y});
     } else {
-      store(i, divide({-r.re - x.re * lower.re + x.im * lower.im, -r.im - x.re * lower.im - x.im * lower.re},
-                      w));
+      store(i,
+            divide_by_diagonal(
+                {-r.re - x.re * lower.re + x.im * lower.im, -r.im - x.re * lower.im - x.im * lower.re}, w));
     }
     carry(i + 1, i);
     carry(i, i);

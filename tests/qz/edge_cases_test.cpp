@@ -354,4 +354,29 @@ TEST(OneEigenvalueForAll, IsFoundAsOftenAsThereAreRows) {
   }
 }
 
+// Rounding turns some of the real eigenvalues into complex pairs; each pair still has both of its signs, and
+// vectors.
+TEST(OneEigenvalueForAll, HasVectorsToRounding) {
+  int pairs = 0;
+  for (unsigned seed = 1; seed <= 60; ++seed) {
+    const int n = 2 + static_cast<int>(seed % 9);
+    Random random(seed);
+    const SquareMatrix m = fmdtest::random_matrix(n, random);
+    MatrixPair pair = {fmdtest::product(fmdtest::transpose(m), m), SquareMatrix(n)};
+    pair.b = pair.a;
+    for (double& value : pair.a.values) value *= 5.1;
+    const Solution s = fmdtest::solve(pair);
+    EXPECT_LE(fmdtest::largest_residual(pair, s), 2 * n * kRoundoff) << seed;
+    for (std::size_t i = 0; i < s.alfi.size(); ++i) {
+      if (s.alfi[i] == 0.0) continue;
+      ASSERT_LT(i + 1, s.alfi.size()) << seed;
+      EXPECT_GT(s.alfi[i], 0.0) << seed;
+      EXPECT_LT(s.alfi[i + 1], 0.0) << seed;
+      ++i;
+      ++pairs;
+    }
+  }
+  EXPECT_GT(pairs, 0);
+}
+
 }  // namespace
