@@ -365,19 +365,21 @@ TEST_F(TransformMode, AFullDiskLeavesTheKindAsItWas) {
   set(body, 2, kNodes + 1, fmd::kShape);
   while (FMD_NodeCount(body) < kMany) FMD_AddNode(body, 1000 + FMD_NodeCount(body));
   std::vector<std::string> seen;
-  bool has_failed = true;
-  for (long nth = 1; has_failed; ++nth) {
-    ASSERT_LT(nth, 100);
-    log.clear();
-    const std::int32_t block = body->ModeFile[0].Block;
-    {
-      const fmdtest::FailingFileSystem failing(nth, ENOSPC);
-      apply(body, kIdentity, fmd::kShape);
-      has_failed = failing.has_failed();
+  for (const int error : {ENOSPC, EIO}) {
+    bool has_failed = true;
+    for (long nth = 1; has_failed; ++nth) {
+      ASSERT_LT(nth, 100);
+      log.clear();
+      const std::int32_t block = body->ModeFile[0].Block;
+      {
+        const fmdtest::FailingFileSystem failing(nth, error);
+        apply(body, kIdentity, fmd::kShape);
+        has_failed = failing.has_failed();
+      }
+      EXPECT_EQ(log.errors.empty(), body->ModeFile[0].Block != block);
+      seen.insert(seen.end(), log.errors.begin(), log.errors.end());
+      expect_untouched(body);
     }
-    EXPECT_EQ(log.errors.empty(), body->ModeFile[0].Block != block);
-    seen.insert(seen.end(), log.errors.begin(), log.errors.end());
-    expect_untouched(body);
   }
   EXPECT_THAT(seen, testing::Contains("Unable to open temporary block for write."));
   EXPECT_THAT(seen, testing::Contains("Insufficient disk space for temporary file."));

@@ -382,21 +382,23 @@ TEST_F(TransformModes, AFullDiskKeepsTheOldModes) {
   for (std::size_t i = 0; i < kModes; ++i) identity[i * kModes + i] = 1.0;
   while (FMD_NodeCount(body) < kMany) FMD_AddNode(body, 1000 + FMD_NodeCount(body));
   std::vector<std::string> seen;
-  bool has_failed = true;
-  for (long nth = 1; has_failed; ++nth) {
-    ASSERT_LT(nth, 200);
-    log.clear();
-    const std::int32_t block = body->ModeFile[0].Block;
-    int done = 0;
-    {
-      const fmdtest::FailingFileSystem failing(nth, ENOSPC);
-      done = apply(body, identity);
-      has_failed = failing.has_failed();
+  for (const int error : {ENOSPC, EIO}) {
+    bool has_failed = true;
+    for (long nth = 1; has_failed; ++nth) {
+      ASSERT_LT(nth, 200);
+      log.clear();
+      const std::int32_t block = body->ModeFile[0].Block;
+      int done = 0;
+      {
+        const fmdtest::FailingFileSystem failing(nth, error);
+        done = apply(body, identity);
+        has_failed = failing.has_failed();
+      }
+      EXPECT_EQ(done, log.errors.empty() ? 1 : 0);
+      EXPECT_EQ(done != 0, body->ModeFile[0].Block != block);
+      seen.insert(seen.end(), log.errors.begin(), log.errors.end());
+      expect_untouched(body);
     }
-    EXPECT_EQ(done, log.errors.empty() ? 1 : 0);
-    EXPECT_EQ(done != 0, body->ModeFile[0].Block != block);
-    seen.insert(seen.end(), log.errors.begin(), log.errors.end());
-    expect_untouched(body);
   }
   EXPECT_THAT(seen, testing::Contains("Unable to open temporary block for write."));
   EXPECT_THAT(seen, testing::Contains("Insufficient disk space for temporary file."));

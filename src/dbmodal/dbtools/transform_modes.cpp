@@ -66,8 +66,8 @@ class Stamps {
   }
   void next_piece() {
     ++piece_;
-    const auto due = static_cast<int>(static_cast<double>(steps_) * static_cast<double>(piece_) /
-                                      static_cast<double>(pieces_));
+    const double product = static_cast<double>(steps_) * static_cast<double>(piece_);
+    const int due = piece_ < pieces_ ? static_cast<int>(product / static_cast<double>(pieces_)) : steps_;
     for (; is_on_ && stamped_ < due; ++stamped_) time_monitor_stamp();
   }
 
