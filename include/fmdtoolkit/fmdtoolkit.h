@@ -623,11 +623,13 @@ double* FMD_Convert_Units(double* values, int count, double factor);
 void FMD_Units(FmdBody* body, char* mass, char* length, char* time, char* force);
 
 /* Sets the unit labels. A body that has none yet is only told what its numbers are; one that has is rescaled:
-   all that it holds in memory now, mode vectors and what else lies in a file as it is fetched. Labels that no
-   table knows change nothing, without a message. Values set afterwards are in the new units, but for mode
-   vectors, which a file keeps in the first ones. */
+   all that it holds in memory now, mode vectors, pre-stress and what else lies in a file as it is fetched.
+   Labels that no table knows, given or stored, change nothing, without a message; nor does a null body give
+   one. Values set afterwards are in the new units, but for mode vectors and pre-stress, which are kept in the
+   first ones. */
 void FMD_SetUnits(FmdBody* body, char* mass, char* length, char* time, char* force);
-/* The same by the sizes of the units in kilograms, metres, seconds and newtons. */
+/* The same by the sizes of the units in kilograms, metres, seconds and newtons, each within 1e-4 of an entry of
+   its table; any other size changes nothing. */
 void FMD_SetUnitsByMultiplierOnSI(FmdBody* body, double mass, double length, double time, double force);
 /* Rescales the body by the factors of its latest change of units; FMD_SetUnits has done that already. */
 void FMD_ScaleDatabase(FmdBody* body);

@@ -27,7 +27,7 @@ class DatasetWrite : public SessionTest, public testing::WithParamInterface<cons
 
 // One for each way in which the sink or the content differs.
 inline auto write_options() {
-  return testing::Values("", "no_xdr", "single", "no_xdr,single", "full_str", "81_comp");
+  return testing::Values("", "no_xdr", "single", "no_xdr,single", "full_str", "81_comp", "MKS");
 }
 
 }  // namespace fmdtest

@@ -127,6 +127,15 @@ const std::vector<Operation> frame_operations = {
        FMD_SetUnits(s.body, units[0], units[1], units[2], units[3]);
        return FMD_Length2Meter(s.body, 2000.0) == 2.0;
      }},
+    {"FMD_SetUnits.change", full_body,
+     [](Scene& s) {
+       char units[4][16] = {"KILOGRAM", "METER", "SECOND", "NEWTON"};
+       FMD_SetUnits(s.body, units[0], units[1], units[2], units[3]);
+       std::strcpy(units[1], "MILLIMETER");
+       FMD_SetUnits(s.body, units[0], units[1], units[2], units[3]);
+       // The last node of the cube stands at (1, 1, 1).
+       return FMD_NodeCoordinates(s.body, kSceneNodes - 1, s.values) == 1 && s.values[2] == 1000.0;
+     }},
     {"FMD_SetUnitsByMultiplierOnSI", full_body,
      [](Scene& s) {
        FMD_SetUnitsByMultiplierOnSI(s.body, 1000.0, 0.001, 1.0, 1.0);

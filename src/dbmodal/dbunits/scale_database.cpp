@@ -27,18 +27,19 @@ void scale_nodes(FmdBody& body, const UnitFactors& factors) {
   body.BodySize *= factors.length;
 }
 
-void scale_matrix(FmdMatrixEntry* entries, int count, double factor) {
-  for (int i = 0; i < count && entries != nullptr; ++i) entries[i].Value *= factor;
+// A list counts more entries than it has room for where it could not grow.
+void scale_matrix(FmdMatrixEntry* entries, int count, int capacity, double factor) {
+  for (int i = 0; i < std::min(count, capacity); ++i) entries[i].Value *= factor;
 }
 
 void scale_matrices(FmdBody& body, const UnitFactors& factors) {
-  scale_matrix(body.GenMass, body.GenMassCount, factors.inertia);
-  scale_matrix(body.GenStiff, body.GenStiffCount, factors.energy);
+  scale_matrix(body.GenMass, body.GenMassCount, body.GenMassCapacity, factors.inertia);
+  scale_matrix(body.GenStiff, body.GenStiffCount, body.GenStiffCapacity, factors.energy);
   if (body.DampingOnPrincipalAxes == 0) {
-    scale_matrix(body.GenDamp, body.GenDampCount, factors.damping);
+    scale_matrix(body.GenDamp, body.GenDampCount, body.GenDampCapacity, factors.damping);
     return;
   }
-  for (int i = 0; i < body.GenDampCount && body.GenDamp != nullptr; ++i) {
+  for (int i = 0; i < std::min(body.GenDampCount, body.GenDampCapacity); ++i) {
     FmdMatrixEntry& entry = body.GenDamp[i];
     entry.Value *= principal_damping_factor(factors, entry.Row, entry.Column);
   }
@@ -104,11 +105,12 @@ void scale_statistics(FmdBody& body, const UnitFactors& factors) {
   }
 }
 
-// One row of an operator, if the operator has it.
+// One row of an operator, as far as the operator has it: it may have been set with fewer modes.
 void scale_row(const FmdMonitorPoint& point, int kind, std::int64_t row, int modes, double factor) {
   double* const values = point.*fmd::operator_field(kind);
-  if (values == nullptr || factor == 1.0 || (row + 1) * modes > point.operatorSizes[kind - 1]) return;
-  scale(values + row * modes, modes, factor);
+  const std::int64_t present = point.operatorSizes[kind - 1] - row * modes;
+  if (values == nullptr || factor == 1.0 || present <= 0) return;
+  scale(values + row * modes, std::min<std::int64_t>(modes, present), factor);
 }
 
 void scale_component(const FmdMonitorPoint& point, int row, bool is_translation, int modes,
@@ -126,6 +128,7 @@ void scale_component(const FmdMonitorPoint& point, int row, bool is_translation,
 void scale_monitor_points(FmdBody& body, const UnitFactors& factors) {
   if (body.BlockExists[fmd::kMonitorPoints] == 0) return;
   for (int i = 0; i < body.MonitorPointCount; ++i) {
+    if (body.MonitorPoints[i] == nullptr) continue;
     FmdMonitorPoint& point = *body.MonitorPoints[i];
     scale(point.location, 3, factors.length);
     if (point.resultType < 1 || point.resultType > 4) continue;
