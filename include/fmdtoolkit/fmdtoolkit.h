@@ -352,9 +352,14 @@ int FMD_Eigenvalue(FmdBody* body, int mode, double* eigenvalue, double* hertz, d
 int FMD_Transformation(FmdBody* body, double* matrix);
 int FMD_SetTransformation(FmdBody* body, double* matrix);
 
-/* Makes the modes orthonormal in the generalized mass: builds the eigenvalue table, numbers the modes from 1
-   and keeps the transformation. So far for modes whose matrices are diagonal with unit masses: others are
-   refused with a message. 0 on failure and for a body without modes. */
+/* Makes the modes orthonormal in the generalized mass, with a diagonal generalized stiffness. Coupled modes come
+   from the eigenproblem of the two matrices by the QZ algorithm and Gram-Schmidt, with their eigenvalues
+   reported; diagonal masses other than 1 are divided out, unless FMD_SetShouldMassNormalizeModes(body, 0) says
+   no. Mode shapes, stresses, strains, loads, preload and the operators of monitor points follow; damping
+   follows the division alone. Afterwards the body has the eigenvalue table in place of the matrices, modes
+   numbered from 1 and their transformation. The modes end before the first one with an infinite eigenvalue,
+   one without mass. 0 on failure and for a body without modes; called again after a failure it goes on with
+   what is left to do. Loads that have not one entry a mode make it fail. */
 int FMD_OrthoNormalize(FmdBody* body);
 
 /* Rewrites the mode vectors of a type so that new mode c is the sum over the old modes a of T(a, c) times

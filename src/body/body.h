@@ -253,6 +253,10 @@ struct FmdBody {
   std::int32_t NodalLoadCaseCount;
   FmdNodalLoadCase* NodalLoadCases;
 
+  // What an orthonormalisation that was broken off has not transformed: bit k for the vectors of type k, then
+  // one for the monitor points.
+  std::int32_t Untransformed;
+
   // What the library remembers to be quick; it never changes a result.
   std::int32_t ReservedNodes;                             // node entries allocated ahead of NodeCapacity
   std::int32_t LastModeIndex;                             // mode found last

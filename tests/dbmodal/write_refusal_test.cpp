@@ -1,4 +1,4 @@
-// What a write does not do yet ends with an error, and nothing is lost in silence.
+// What a write cannot do ends with an error, and nothing is lost in silence.
 #include <gtest/gtest.h>
 
 #include "body/body.h"
@@ -16,22 +16,6 @@ class Refusal : public WriteTest {
     EXPECT_FALSE(std::filesystem::exists("out.fmd")) << options;
   }
 };
-
-TEST_F(Refusal, OfModesThatNeedTheEigenproblem) {
-  FmdBody* body = make_sample_body();
-  FMD_SetGeneralizedMass(body, 7, 8, 0.25);
-  expect_refused(body, "");
-  EXPECT_EQ(write(body, "no_ortho"), 1);
-}
-
-TEST_F(Refusal, OfModesThatNeedNormalisation) {
-  FmdBody* body = make_nodes({1}, 1);
-  add_vectors(body, 0, {1}, {1});
-  FMD_SetGeneralizedMass(body, 1, 1, 2.0);
-  FMD_SetGeneralizedStiffness(body, 1, 1, 8.0);
-  expect_refused(body, "");
-  EXPECT_EQ(write(body, "no_ortho"), 1);
-}
 
 class RefusedBlock : public Refusal, public ::testing::WithParamInterface<int> {};
 

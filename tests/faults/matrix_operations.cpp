@@ -23,6 +23,19 @@ bool sets_transformation(Scene& s) {
   return FMD_SetTransformation(s.body, matrix) == 1;
 }
 
+// Modes that need the eigenproblem, with all that has to follow them.
+void body_of_coupled_modes(Scene& s) {
+  full_body(s);
+  FMD_SetGeneralizedMass(s.body, 2, 1, 0.5);
+  FMD_SetModalPreload(s.body, 1, 2.0);
+  FMD_SetModalLoad(s.body, 0, 2, 3.0);
+  double location[] = {1, 2, 3};
+  double rows[] = {1, 2};
+  char name[] = "P";
+  FMD_SetMonitorPointInfo(s.body, 1, 1, 1, 0, location, name, name);
+  FMD_SetMonitorPointOperator(s.body, 0, 1, rows);
+}
+
 using Selected = int (*)(FmdBody*, double**, int, int*);
 
 bool reads_selected(Scene& s, Selected get, double expected) {
@@ -82,6 +95,18 @@ const std::vector<Operation> matrix_operations = {
     {"FMD_SetTransformation", full_body, sets_transformation},
     {"FMD_SetTransformation.second", body_with_transformation, sets_transformation},
     {"FMD_OrthoNormalize", full_body, [](Scene& s) { return FMD_OrthoNormalize(s.body) == 1; }},
+    {"FMD_OrthoNormalize.coupled", body_of_coupled_modes,
+     [](Scene& s) { return FMD_OrthoNormalize(s.body) == 1; }},
+    {"FMD_OrthoNormalize.masses",
+     [](Scene& s) {
+       full_body(s);
+       FMD_SetGeneralizedMass(s.body, 3, 3, 4.0);
+       FMD_SetMode(s.body, 3, kFirstNode, 0, 6, 0, 0, 0, 0, 0);
+     },
+     [](Scene& s) {
+       return FMD_OrthoNormalize(s.body) == 1 && FMD_Mode(s.body, 3, 0, s.values, 0) == 1 &&
+              s.values[0] == 3.0;
+     }},
     {"FMD_TransformModes", full_body,
      [](Scene& s) {
        double identity[] = {1, 0, 0, 1};
@@ -114,6 +139,8 @@ const std::vector<Operation> matrix_operations = {
      }},
 
     {"FMD_write_FMD", full_body, [](Scene& s) { return FMD_write_FMD(s.body, target) == 1; }},
+    {"FMD_write_FMD.coupled", body_of_coupled_modes,
+     [](Scene& s) { return FMD_write_FMD(s.body, target) == 1; }},
 };
 
 }  // namespace fmdtest

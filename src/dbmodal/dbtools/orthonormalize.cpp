@@ -1,8 +1,16 @@
-// From the generalized matrices of orthonormal modes to the eigenvalue table.
+// Makes the modes of a body orthonormal in its generalized mass, and all that is expressed in them follow.
+//
+// The eigenvalue table and the transformation come first, then what is in memory, then the mode vectors,
+// whose rewriting needs disk space and may fail. What it had not come to is remembered in the body, and the
+// next call goes on from there.
 #include <algorithm>
-#include <cmath>
+#include <utility>
 
 #include "body/body.h"
+#include "dbmodal/dbtools/modal_eigenproblem.h"
+#include "dbmodal/dbtools/modal_quantities.h"
+#include "dbmodal/dbtools/mode_records.h"
+#include "dbmodal/dbtools/orthonormal_kernels.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
 
@@ -14,123 +22,74 @@ bool is_diagonal_and_normalised(const FmdBody& body) {
   return body.HasOffDiagonalGenMatrix == 0 && body.ShouldMassNormalizeModes == 0;
 }
 
+// Whether an earlier call was broken off among the mode vectors, which its transformation still fits.
+bool is_unfinished(const FmdBody& body) {
+  return body.Untransformed != 0 && body.Transformation != nullptr &&
+         body.TransformationOrder == body.ModeCount;
+}
+
 void fill_identity(double* matrix, int order) {
   const auto n = static_cast<std::size_t>(order);
-  std::fill(matrix, matrix + n * n, 0.0);
   for (std::size_t i = 0; i < n; ++i) matrix[i * n + i] = 1.0;
 }
 
-// Circular frequency of an eigenvalue; a negative one gives a negative frequency.
-double circular_frequency(double eigenvalue, double consistency) {
-  const double squared = eigenvalue * consistency;
-  return eigenvalue < 0.0 ? -std::sqrt(-squared) : std::sqrt(squared);
+// The eigenvalue table, and in t, which is zero, the modes that it speaks of.
+bool find_modes(FmdBody* body, double* t) {
+  if (body->HasOffDiagonalGenMatrix != 0) return fmd::solve_modal_eigenproblem(body, t);
+  fill_identity(t, body->ModeCount);
+  return fmd::build_mode_records(body);
 }
 
-// A mode without generalized mass gets the marker of an infinite eigenvalue.
-FmdModeRecord make_record(int index, double mass, double stiffness, double consistency) {
-  constexpr double kNoMass = 1e-15;
-  FmdModeRecord record{};
-  record.Mode = index + 1;
-  record.GeneralizedMass = mass;
-  record.GeneralizedStiffness = stiffness;
-  if (std::fabs(mass) <= kNoMass) {
-    FMD_Warning("Mode %d is not physically meaningful.\nIt is associated with a zero generalized mass\n",
-                index + 1);
-    record.Eigenvalue = fmd::kInfiniteEigenvalue;
-  } else {
-    record.Eigenvalue = stiffness / mass;
-    // Nobody asked for a normalisation, so the mass is what the modes were meant to have.
-    record.GeneralizedMass = 1.0;
-  }
-  record.FrequencyRad = circular_frequency(record.Eigenvalue, consistency);
-  record.FrequencyHz = record.FrequencyRad / fmd::kTwoPi;
-  return record;
+void take_over_transformation(FmdBody& body, CArray<double> t) {
+  fmd::release(body.Transformation);
+  body.Transformation = t.release();
+  body.TransformationOrder = body.ModeCount;
 }
 
-bool fill_records(FmdBody* body, FmdModeRecord* records) {
-  const double consistency = FMD_UCF(body);
-  bool complete = true;
-  for (int i = 0; i < body->ModeCount; ++i) {
-    double mass = 0.0;
-    double stiffness = 0.0;
-    const int number = FMD_ModeNumber(body, i);
-    if (FMD_Eigenvalue(body, number, nullptr, nullptr, nullptr, &mass, &stiffness) == 0) {
-      FMD_Error("Attempting to look at eigenvalues of non-orthogonal data");
-      complete = false;
-    }
-    records[i] = make_record(i, mass, stiffness, consistency);
-  }
-  return complete;
+// Everything in memory follows; the roots are those of the generalized masses.
+void transform_memory(FmdBody* body, double* roots, double* scratch) {
+  fmd::mass_normalize_records(body->ModeRecords, body->ModeRecordCount, body->ModeCount, roots);
+  const int rigid_modes = FMD_RigidBodyModeCount(body);
+  fmd::divide_columns(body->Transformation, body->ModeCount, roots);
+  fmd::divide_damping(*body, roots);
+  fmd::transform_loads(*body, rigid_modes, body->Transformation, scratch);
+  // Peaks that were worked out are those of the modes before; one of 0.0 is worked out anew.
+  std::fill_n(body->ModalStatistics, body->StatisticsCount, FmdModeStatistics{});
+  body->Untransformed = fmd::kAllVectorBits;
 }
 
-void release_matrix(FmdMatrixEntry*& entries, std::int32_t& count, std::int32_t& capacity) {
-  fmd::release(entries);
-  count = 0;
-  capacity = 0;
-}
-
-// Builds the eigenvalue table from the sparse matrices, which it then holds in their place.
-bool build_mode_records(FmdBody* body) {
-  if (body->ModeRecords != nullptr) return true;
-  const int modes = body->ModeCount;
-  auto records = fmd::allocate<FmdModeRecord>(modes, "dbtools");
-  if (records == nullptr) return false;
-  auto numbers = fmd::allocate<std::int32_t>(modes, "dbtools");
-  if (numbers == nullptr || !fill_records(body, records.get())) return false;
-
-  for (int i = 0; i < modes; ++i) {
-    numbers[static_cast<std::size_t>(i)] = body->ModeNumbers[i];
-    body->ModeNumbers[i] = i + 1;
-  }
-  fmd::release(body->TransformationModes);
-  body->TransformationModes = numbers.release();
-  body->ModeRecords = records.release();
-  body->ModeRecordCount = modes;
-  release_matrix(body->GenStiff, body->GenStiffCount, body->GenStiffCapacity);
-  release_matrix(body->GenMass, body->GenMassCount, body->GenMassCapacity);
-  return true;
-}
-
-// Modes before the first one with an infinite eigenvalue.
-int count_active(const FmdBody& body) {
-  const int known = std::min(body.ModeRecordCount, body.ModeCount);
-  for (int i = 0; i < known; ++i) {
-    if (body.ModeRecords[i].Eigenvalue == fmd::kInfiniteEigenvalue) return i;
-  }
-  return body.ModeCount;
-}
-
-void keep_active_modes(FmdBody* body, int active) {
-  if (active == body->ModeCount) return;
-  // The pre-stress is loaded under the index that follows the last mode, which is another one now.
-  for (std::int32_t& loaded : body->LoadedModeIndex) loaded = -1;
-  body->ModeCount = active;
-  fill_identity(body->Transformation, active);
-  body->TransformationOrder = active;
+// The mode vectors, and the modes that have no place in the new set.
+int finish(FmdBody* body) {
+  const int active = fmd::count_active_modes(*body);
+  if (!fmd::loads_fit_modes(*body) || !fmd::transform_vectors(body, active)) return 0;
+  fmd::drop_modes(*body, active);
+  return 1;
 }
 
 }  // namespace
 
 int FMD_OrthoNormalize(FmdBody* body) {
   if (CheckFMD(body) == 0) return 0;
-  if (is_diagonal_and_normalised(*body) && body->Transformation != nullptr) return 1;
+  if (is_unfinished(*body)) return finish(body);
+  const bool changes_modes = !is_diagonal_and_normalised(*body);
+  if (!changes_modes && body->Transformation != nullptr) return 1;
   const int modes = body->ModeCount;
   if (modes == 0) return 0;
-  if (body->HasOffDiagonalGenMatrix != 0) {
-    FMD_Error("Modes with off-diagonal generalized mass or stiffness cannot be orthonormalized yet.");
+  auto t = fmd::allocate<double>(std::int64_t{modes} * modes, "dbtools");
+  if (t == nullptr) return 0;
+  // All memory comes before the first change: a body without it stays as it was.
+  const auto roots = fmd::allocate<double>(modes, "dbtools");
+  if (roots == nullptr) {
+    FMD_Error("Failed to mass normalize the eigen vectors\n");
     return 0;
   }
-  if (body->ShouldMassNormalizeModes != 0) {
-    FMD_Error("Modes with a generalized mass other than 1 cannot be normalized yet.");
-    return 0;
+  const auto scratch = fmd::allocate<double>(modes, "dbtools");
+  if (scratch == nullptr || !find_modes(body, t.get())) return 0;
+  take_over_transformation(*body, std::move(t));
+  if (changes_modes) {
+    transform_memory(body, roots.get(), scratch.get());
+    return finish(body);
   }
-  auto identity = fmd::allocate<double>(std::int64_t{modes} * modes, "dbtools");
-  if (identity == nullptr) return 0;
-  fill_identity(identity.get(), modes);
-  if (!build_mode_records(body)) return 0;
-  fmd::release(body->Transformation);
-  body->Transformation = identity.release();
-  body->TransformationOrder = modes;
-  keep_active_modes(body, count_active(*body));
+  fmd::drop_modes(*body, fmd::count_active_modes(*body));
   return 1;
 }
