@@ -190,6 +190,16 @@ TEST_F(UnitsChange, ANullBodyIsPassedOver) {
   FMD_ScaleDatabase(nullptr);
 }
 
+TEST_F(UnitsChange, TheSizeOfTheBodyStaysAsItWasWorkedOut) {
+  int face[] = {1, 2};
+  FMD_SetNodeCoordinates(body, 2, 13.0, 24.0, 30.0);
+  FMD_SetFaceList(body, 2, face);
+  set_si();
+  EXPECT_EQ(FMD_BodySize(body), 5.0);
+  set("KILOGRAM", "MILLIMETER", "SECOND", "NEWTON");
+  EXPECT_EQ(FMD_BodySize(body), 5.0);
+}
+
 TEST_F(UnitsChange, ScalingAgainAppliesTheLatestStepsAndNoLabels) {
   FMD_ScaleDatabase(body);
   expect_untouched({"", "", "", ""});

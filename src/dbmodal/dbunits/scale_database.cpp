@@ -24,7 +24,6 @@ void scale_nodes(FmdBody& body, const UnitFactors& factors) {
     node->Mass *= factors.mass;
     scale(node->Inertia, 6, factors.inertia);
   }
-  body.BodySize *= factors.length;
 }
 
 // A list counts more entries than it has room for where it could not grow.
