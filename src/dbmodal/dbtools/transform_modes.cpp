@@ -168,9 +168,10 @@ bool ModeTransformation::sweep_once(int nodes) {
     return false;
   }
   const int per_column = nodes_ / nodes;
-  for (int mode = 0; mode < body_.ModeCount; ++mode)
-    pieces[place(mode)] =
-        batch_.column(mode / per_column) + std::int64_t{kValuesPerNode} * nodes * (mode % per_column);
+  for (int mode = 0; mode < body_.ModeCount; ++mode) {
+    const std::int64_t first = std::int64_t{kValuesPerNode} * nodes * (mode % per_column);
+    pieces[place(mode)] = batch_.column(mode / per_column) + first;
+  }
   const std::int64_t panels = (nodes_ - 1) / nodes + 1;
   Stamps stamps(steps_, panels * body_.ModeCount);
   for (std::int64_t first = 0; first < nodes_; first += nodes) {
@@ -187,8 +188,9 @@ bool ModeTransformation::transform_rows(ModeProduct& product, double** pieces, i
     if (!fetch(mode, first, nodes, pieces[mode])) return false;
   }
   product.transform(pieces, std::int64_t{kValuesPerNode} * nodes);
-  for (int mode = 0; mode < columns_; ++mode)
+  for (int mode = 0; mode < columns_; ++mode) {
     if (!write(mode, first, nodes, pieces[mode])) return false;
+  }
   return true;
 }
 
@@ -196,8 +198,9 @@ bool ModeTransformation::sweep_by_batches() {
   const auto vector = allocate<double>(std::int64_t{kValuesPerNode} * nodes_, kModule);
   if (vector == nullptr) return false;
   Stamps stamps(steps_, steps_);
-  for (std::int64_t first = 0; first < count_; first += batch_.size())
+  for (std::int64_t first = 0; first < count_; first += batch_.size()) {
     if (!sum_batch(narrowed(first), vector.get(), stamps)) return false;
+  }
   return true;
 }
 
@@ -210,11 +213,13 @@ bool ModeTransformation::sum_batch(int first, double* vector, Stamps& stamps) {
     stamps.next_piece();
     if (!fetch(mode, 0, nodes_, vector)) return false;
     const double* row = matrix_ + std::int64_t{mode} * modes + first;
-    for (int at = 0; at < columns; ++at)
+    for (int at = 0; at < columns; ++at) {
       if (row[at] != 0.0) add_multiple(row[at], vector, values, batch_.column(at));
+    }
   }
-  for (int at = 0; at < columns; ++at)
+  for (int at = 0; at < columns; ++at) {
     if (!write(first + at, 0, nodes_, batch_.column(at))) return false;
+  }
   return true;
 }
 

@@ -58,28 +58,28 @@ struct Strip {
   static constexpr int kLanes = static_cast<int>(sizeof(Vector) / sizeof(double));
   static constexpr int kRows = vectors * kLanes;
 
+  // Copies one strip; zero times a value that is not finite is not a number.
+  static void pack_rows(const double* from, double* to, Vector& unsound) {
+    for (int k = 0; k < vectors; ++k, from += kLanes, to += kLanes) {
+      const Vector values = load<Vector>(from);
+      unsound += 0.0 * values;
+      store(to, values);
+    }
+  }
+
   // Rows of each mode side by side, strip by strip; rows beyond the block are zeros.
   static bool pack(const fmd::RowBlock& block) {
     Vector unsound{};
+    const long next_strip = static_cast<long>(block.modes) * kRows;
     for (int mode = 0; mode < block.modes; ++mode) {
       const double* from = block.pieces[mode] + block.first;
       double* to = block.packed + static_cast<long>(mode) * kRows;
       int left = block.values;
-      for (; left >= kRows; left -= kRows, from += kRows, to += static_cast<long>(block.modes) * kRows) {
-        for (int k = 0; k < vectors; ++k) {
-          const Vector values = load<Vector>(from + k * kLanes);
-          unsound += values - values;
-          store(to + k * kLanes, values);
-        }
-      }
+      for (; left >= kRows; left -= kRows, from += kRows, to += next_strip) pack_rows(from, to, unsound);
       if (left == 0) continue;
       double rest[kRows] = {};
       for (int row = 0; row < left; ++row) rest[row] = from[row];
-      for (int k = 0; k < vectors; ++k) {
-        const Vector values = load<Vector>(rest + k * kLanes);
-        unsound += values - values;
-        store(to + k * kLanes, values);
-      }
+      pack_rows(rest, to, unsound);
     }
     double sum = 0.0;
     for (int lane = 0; lane < kLanes; ++lane) sum += unsound[lane];
@@ -94,7 +94,7 @@ struct Strip {
       const double* from = packed + static_cast<long>(group.modes[at]) * kRows;
       Vector values[vectors];
 #pragma GCC unroll 4
-      for (int k = 0; k < vectors; ++k) values[k] = load<Vector>(from + k * kLanes);
+      for (int k = 0; k < vectors; ++k) values[k] = load<Vector>(from + long{k} * kLanes);
 #pragma GCC unroll 8
       for (int c = 0; c < columns; ++c) {
 #pragma GCC unroll 4
@@ -105,7 +105,7 @@ struct Strip {
     for (int c = 0; c < columns; ++c) {
       if (c >= group.columns) continue;
       if (rows == kRows) {
-        for (int k = 0; k < vectors; ++k) store(to[c] + k * kLanes, sum[c][k]);
+        for (int k = 0; k < vectors; ++k) store(to[c] + long{k} * kLanes, sum[c][k]);
       } else {
         double whole[kRows];
         __builtin_memcpy(whole, sum[c], sizeof whole);
