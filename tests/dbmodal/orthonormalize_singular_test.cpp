@@ -218,6 +218,28 @@ TEST_F(SingularMass, OfADiagonalSetEndsItWhereTheFirstOneStands) {
   EXPECT_EQ(body->ModeRecords[2].GeneralizedMass, 1.0);
 }
 
+TEST_F(SingularMass, TakesItsDampingAlong) {
+  FmdBody* body = make({{1, 0, 0}, {0, 1, 0}});
+  set(body, matrix(2, {1, 0, 0, 0}), matrix(2, {2, 1, 1, 4}));
+  FMD_SetGeneralizedDamping(body, 2, 2, 5.0);
+  FMD_SetGeneralizedDamping(body, 1, 1, 3.0);
+  FMD_SetGeneralizedDamping(body, 2, 1, 4.0);
+  const Dataset data = written(body);
+  ASSERT_EQ(data.generalized_damping->entries.size(), 1U);
+  EXPECT_EQ(data.generalized_damping->entries[0].row, 1);
+  EXPECT_EQ(data.generalized_damping->entries[0].column, 1);
+  EXPECT_EQ(data.generalized_damping->entries[0].value, 3.0);
+}
+
+TEST_F(SingularMass, LeavesNoDampingWhereItHadAllOfIt) {
+  FmdBody* body = make({{1, 0, 0}, {0, 1, 0}});
+  set(body, matrix(2, {1, 0, 0, 0}), matrix(2, {2, 1, 1, 4}));
+  FMD_SetGeneralizedDamping(body, 2, 1, 4.0);
+  ASSERT_EQ(FMD_OrthoNormalize(body), 1);
+  EXPECT_EQ(FMD_GenDampExist(body), 0);
+  EXPECT_FALSE(written(body).generalized_damping);
+}
+
 TEST_F(SingularMass, OfHardlyAnyMassIsInfiniteToo) {
   FmdBody* body = make({{1, 0, 0}, {0, 1, 0}});
   FMD_SetGeneralizedMass(body, 1, 1, 4.0);

@@ -5,6 +5,7 @@
 #include "dbmodal/dbmonpnt/monitor_points.h"
 #include "dbmodal/dbtools/orthonormal_kernels.h"
 #include "fmdtoolkit/fmdtoolkit.h"
+#include "messages/memory.h"
 
 namespace fmd {
 
@@ -34,6 +35,20 @@ bool transform_one(FmdBody* body, std::int32_t bit, int new_modes) {
   if (bit == kMonitorPointsBit) return FMD_TransformMonitorPoints(body, body->Transformation) != 0;
   const int type = bit == 1 << kShape ? kShape : bit == 1 << kStress ? kStress : kStrain;
   return FMD_TransformModes(body, type, new_modes, body->Transformation) != 0;
+}
+
+// A dataset must not name modes that it has not. A list that nothing is left of is none.
+void drop_damping(FmdBody& body, int modes) {
+  if (body.GenDamp == nullptr) return;
+  const auto is_dropped = [&](const FmdMatrixEntry& entry) {
+    return entry.Row >= modes || entry.Column >= modes;
+  };
+  FmdMatrixEntry* const end = body.GenDamp + std::min(body.GenDampCount, body.GenDampCapacity);
+  body.GenDampCount = static_cast<std::int32_t>(std::remove_if(body.GenDamp, end, is_dropped) - body.GenDamp);
+  if (body.GenDampCount > 0) return;
+  release(body.GenDamp);
+  body.GenDampCapacity = 0;
+  body.BlockExists[kGeneralizedDamping] = 0;
 }
 
 // The upper left square of the transformation, packed.
@@ -90,6 +105,7 @@ bool transform_vectors(FmdBody* body, int new_modes) {
 void drop_modes(FmdBody& body, int modes) {
   if (modes == body.ModeCount) return;
   drop_operator_columns(body, modes);
+  drop_damping(body, modes);
   repack_transformation(body, modes);
   for (int i = 0; i < body.LoadCaseCount; ++i) {
     body.LoadCases[i].LoadCount = std::min(body.LoadCases[i].LoadCount, modes);

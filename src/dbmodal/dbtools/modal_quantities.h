@@ -26,8 +26,8 @@ constexpr std::int32_t kAllVectorBits = kMonitorPointsBit | (kMonitorPointsBit -
 // the new modes only the first ones. False as soon as one fails; those before it are done and remembered.
 bool transform_vectors(FmdBody* body, int new_modes);
 
-// Forgets the modes beyond a new, smaller count: their rows and columns of the transformation, their loads,
-// their columns of the operators.
+// Forgets the modes beyond a new, smaller count: their rows and columns of the transformation, their loads
+// and damping, their columns of the operators.
 void drop_modes(FmdBody& body, int modes);
 
 }  // namespace fmd
