@@ -3,7 +3,7 @@
 # installed. Plain sh, because a bare machine has nothing else. A script sets its own `set -eu` and sources this.
 
 # What building the toolkit, its command line, tests and benchmarks takes.
-build_packages="g++ cmake ninja-build pkgconf libgtest-dev libgmock-dev libtirpc-dev libopenblas-dev libcli11-dev nlohmann-json3-dev zlib1g-dev"
+build_packages="g++ cmake ninja-build pkgconf libgtest-dev libgmock-dev libtirpc-dev libopenblas-dev libcli11-dev nlohmann-json3-dev zlib1g-dev libeigen3-dev libspectra-dev"
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
 cd "$root" || exit 1

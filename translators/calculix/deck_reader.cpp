@@ -116,7 +116,7 @@ void DeckReader::begin_elements() {
 }
 
 // An element goes on in the next line until it has its nodes, or, where the type is not known, while its
-// lines end with a comma. Its nodes come from the result file.
+// lines end with a comma. Its nodes are looked at where there is no result file.
 void DeckReader::element_line() {
   int on_line = static_cast<int>(lines_.fields().size());
   if (!element_continues_) {
@@ -125,12 +125,18 @@ void DeckReader::element_line() {
     deck_.element_ids.push_back(id);
     deck_.element_labels.push_back(label_);
     element_origins_.push_back(origin());
+    deck_.element_starts.push_back(deck_.element_nodes.size());
     add_to_set(deck_.element_sets, set_name_, id);
     if (deck_.labels[static_cast<std::size_t>(label_)] == "MASS") {
       deck_.mass_elements.emplace_back(id, lines_.int_field(1, "a node id"));
     }
     nodes_missing_ = nodes_of_element_;
     --on_line;
+  }
+  for (std::size_t i = lines_.fields().size() - static_cast<std::size_t>(on_line); i < lines_.fields().size();
+       ++i) {
+    int node = 0;
+    deck_.element_nodes.push_back(parse_int(lines_.fields()[i], node) ? node : 0);
   }
   nodes_missing_ -= on_line;
   if (nodes_of_element_ > 0 && nodes_missing_ < 0) {

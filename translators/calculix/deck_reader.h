@@ -65,8 +65,10 @@ struct Deck {
   std::vector<Point> points;
   IdIndex node_index;
   std::vector<int> element_ids;
-  std::vector<int> element_labels;  // index into labels
-  std::vector<std::string> labels;  // element types as the deck calls them
+  std::vector<int> element_labels;          // index into labels
+  std::vector<std::string> labels;          // element types as the deck calls them
+  std::vector<std::size_t> element_starts;  // place of its nodes in element_nodes
+  std::vector<int> element_nodes;  // ids, of an element of a known type as many as it has; 0 for no id
   IdIndex element_index;
   std::map<std::string, IdSet> node_sets;  // names in capitals
   std::map<std::string, IdSet> element_sets;

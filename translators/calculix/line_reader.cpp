@@ -92,6 +92,7 @@ bool LineReader::next(std::string_view& line) {
     if (unfinished == 0) return false;
     line = std::string_view(buffer_.get() + begin_, unfinished);
     begin_ = end_;
+    line_is_whole_ = false;
     break;
   }
   if (!line.empty() && line.back() == '\r') line.remove_suffix(1);

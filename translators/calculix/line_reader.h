@@ -21,6 +21,8 @@ class LineReader {
 
   const std::string& path() const { return path_; }
   long line_number() const { return line_number_; }
+  // False where the file ended before the line did.
+  bool line_is_whole() const { return line_is_whole_; }
 
   // How much of the file has been consumed, 0 to 1.
   double fraction() const;
@@ -38,6 +40,7 @@ class LineReader {
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
   bool at_end_ = false;
+  bool line_is_whole_ = true;
   long line_number_ = 0;
 };
 

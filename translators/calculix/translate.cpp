@@ -5,7 +5,9 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
+#include <numeric>
 
+#include "calculix/deck_mesh.h"
 #include "calculix/faces.h"
 #include "calculix/input_error.h"
 #include "calculix/load_cases.h"
@@ -31,10 +33,13 @@ void require(int result, const char* what) {
 
 void set_header(FmdBody* body, const Model& model) {
   const std::string& used = model.contents.program;
+  const auto& reduction = model.job.reduction;
   std::string title = model.title;
-  std::string name = std::filesystem::path(model.job.results).filename().string();
+  const std::string& source = reduction ? reduction->files.stiffness : model.job.results;
+  std::string name = std::filesystem::path(source).filename().string();
   std::string type = "CalculiX";
   std::string program = used.empty() ? "" : "Results of CalculiX " + used;
+  if (reduction) program = "Craig-Bampton modes from matrices of CalculiX";
   std::string deck = "Deck " + std::filesystem::path(model.job.deck).filename().string();
   std::string comment = model.job.comment;
   require(FMD_SetHeader(body, title.data(), name.data(), type.data(), program.data(), deck.data(),
@@ -91,6 +96,21 @@ void set_modes(FmdBody* body, const std::vector<Mode>& modes) {
   }
 }
 
+// The modes are not orthogonal: all entries of both matrices, on one side of the diagonal.
+void set_reduced_matrices(FmdBody* body, const ReducedModel& reduced) {
+  const double factor = FMD_UCF(body);
+  for (int row = 0; row < reduced.modes; ++row) {
+    for (int column = row; column < reduced.modes; ++column) {
+      const auto place = static_cast<std::size_t>(row) * static_cast<std::size_t>(reduced.modes) +
+                         static_cast<std::size_t>(column);
+      require(FMD_SetGeneralizedMass(body, row + 1, column + 1, reduced.mass[place]),
+              "set a generalized mass");
+      require(FMD_SetGeneralizedStiffness(body, row + 1, column + 1, reduced.stiffness[place] / factor),
+              "set a generalized stiffness");
+    }
+  }
+}
+
 void set_vector(FmdBody* body, const Mesh& mesh, const ModeVector& vector) {
   constexpr int shape = 0;
   constexpr int stress = 1;
@@ -142,15 +162,19 @@ void set_load_cases(FmdBody* body, const Model& model, const ModalRows& rows) {
   }
 }
 
+const std::string& mesh_file(const Job& job) {
+  return job.results.empty() ? job.deck : job.results;
+}
+
 std::vector<double> nodal_masses(const Job& job, const FrdContents& contents, const Deck& deck) {
   const Mesh& mesh = contents.mesh;
-  const std::vector<double> densities = element_densities(mesh, job.results, deck, job.density);
+  const std::vector<double> densities = element_densities(mesh, mesh_file(job), deck, job.density);
   std::vector<double> masses(mesh.node_ids.size(), 0.0);
   const int bad = lump_masses(mesh, densities, masses);
   if (bad >= 0) {
     const Element& element = mesh.elements[static_cast<std::size_t>(bad)];
     static const char* const measures[] = {"length", "area", "volume"};
-    throw InputError(job.results, element.line,
+    throw InputError(mesh_file(job), element.line,
                      std::string("expected a positive ") + measures[element.type->dimension - 1] +
                          " of element " + std::to_string(element.id));
   }
@@ -163,7 +187,7 @@ std::vector<MonitorNode> monitor_nodes(const Job& job, const FrdContents& conten
   std::vector<bool> taken(contents.mesh.node_ids.size(), false);
   for (const std::string& name : job.monitor_nodes) {
     const std::string shown = std::filesystem::path(name).filename().string();
-    for (const int id : named_node_ids("monitor points", name, deck, contents, job.results)) {
+    for (const int id : named_node_ids("monitor points", name, deck, contents, mesh_file(job))) {
       const int node = contents.node_index.find(id);
       if (taken[static_cast<std::size_t>(node)]) continue;
       taken[static_cast<std::size_t>(node)] = true;
@@ -171,6 +195,31 @@ std::vector<MonitorNode> monitor_nodes(const Job& job, const FrdContents& conten
     }
   }
   return points;
+}
+
+// Component modes go in the place of those of the results, whose frequencies remain to compare with.
+// Reference points become nodes without mass.
+void take_reduction(Model& model, const Deck& deck, const ProgressHandler& progress) {
+  FrdContents& contents = model.contents;
+  const double mass = std::accumulate(model.masses.begin(), model.masses.end(), 0.0);
+  model.reduction =
+      reduce(*model.job.reduction, deck, contents, mesh_file(model.job), mass, model.notes, progress);
+  for (const Mode& mode : contents.modes) model.results_hertz.push_back(mode.hertz);
+  contents.modes.clear();
+  for (int number = 1; number <= model.reduction->model.modes; ++number) {
+    contents.modes.push_back({number, 0.0, 0, true, false});
+  }
+  for (const Attachment& attachment : model.reduction->attachments) {
+    if (attachment.reference_node == 0) {
+      model.interface_ids.insert(model.interface_ids.end(), attachment.ids.begin(), attachment.ids.end());
+      continue;
+    }
+    contents.mesh.node_ids.push_back(attachment.reference_node);
+    contents.mesh.points.push_back(attachment.reference);
+    model.masses.push_back(0.0);
+    model.interface_ids.push_back(attachment.reference_node);
+  }
+  contents.node_index = IdIndex(contents.mesh.node_ids);
 }
 
 InputError skipped_note(const Job& job, const FrdContents& contents) {
@@ -192,14 +241,20 @@ Model read_model(const Job& job, const ProgressHandler& progress) {
   const Deck deck = read_deck(job.deck);
   Model model;
   model.job = job;
-  model.contents = read_frd(job.results, step(progress, "Reading mesh"));
+  if (job.results.empty()) {
+    model.contents = contents_of_deck(deck);
+  } else {
+    model.contents = read_frd(job.results, step(progress, "Reading mesh"));
+    take_deck_coordinates(model.contents.mesh, job.results, deck);
+  }
   model.title = deck.title.empty() ? model.contents.title : deck.title;
-  take_deck_coordinates(model.contents.mesh, job.results, deck);
   model.masses = nodal_masses(job, model.contents, deck);
   for (const std::string& name : job.interface_nodes) {
-    const std::vector<int> ids = named_node_ids("interface nodes", name, deck, model.contents, job.results);
+    const std::vector<int> ids =
+        named_node_ids("interface nodes", name, deck, model.contents, mesh_file(job));
     model.interface_ids.insert(model.interface_ids.end(), ids.begin(), ids.end());
   }
+  if (job.reduction) take_reduction(model, deck, progress);
   model.monitor_nodes = monitor_nodes(job, model.contents, deck);
   model.load_cases = load_cases_of(deck, model.contents, model.notes);
   if (model.contents.skipped_datasets > 0) model.notes.push_back(skipped_note(job, model.contents));
@@ -218,15 +273,18 @@ FmdBody* make_body(const Model& model, const ProgressHandler& progress) {
   set_faces(body.get(), mesh);
   for (const int id : model.interface_ids)
     require(FMD_SetInterfaceNode(body.get(), id), "mark an interface node");
-  set_modes(body.get(), model.contents.modes);
   ModalRows rows(model);
-  read_mode_vectors(
-      model.job.results, model.contents,
-      [&](const ModeVector& vector) {
-        set_vector(body.get(), mesh, vector);
-        rows.take(vector);
-      },
-      step(progress, "Reading modes"));
+  const auto take = [&](const ModeVector& vector) {
+    set_vector(body.get(), mesh, vector);
+    rows.take(vector);
+  };
+  if (model.reduction) {
+    set_reduced_matrices(body.get(), model.reduction->model);
+    send_mode_vectors(*model.reduction, model.contents, take);
+  } else {
+    set_modes(body.get(), model.contents.modes);
+    read_mode_vectors(model.job.results, model.contents, take, step(progress, "Reading modes"));
+  }
   set_monitor_points(body.get(), model, rows);
   set_load_cases(body.get(), model, rows);
   return body.release();

@@ -1,4 +1,4 @@
-// From the results and the deck of a CalculiX job to a flexible body.
+// From the results and the deck of a CalculiX job, or from its matrices, to a flexible body.
 #ifndef FMDTOOLKIT_CALCULIX_TRANSLATE_H
 #define FMDTOOLKIT_CALCULIX_TRANSLATE_H
 
@@ -10,6 +10,7 @@
 
 #include "calculix/frd_reader.h"
 #include "calculix/input_error.h"
+#include "calculix/reduction.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 
 namespace calculix {
@@ -22,13 +23,15 @@ struct Units {
 };
 
 struct Job {
-  std::string results;                       // .frd, plain or gzipped
+  std::string results;                       // .frd, plain or gzipped; may be empty where matrices are given
   std::string deck;                          // .inp
   std::optional<double> density;             // goes before the deck's
   Units units;                               // of the deck
   std::vector<std::string> interface_nodes;  // names of node sets or of files with ids
   std::vector<std::string> monitor_nodes;    // likewise
   std::string comment;                       // for the header
+  std::optional<ReductionRequest>
+      reduction;  // component modes from matrices in place of those of the results
 };
 
 // A node at which a host may ask for the displacement.
@@ -67,7 +70,9 @@ struct Model {
   std::vector<int> interface_ids;
   std::vector<MonitorNode> monitor_nodes;
   std::vector<LoadCase> load_cases;
-  std::vector<InputError> notes;  // what the user should know, though nothing is wrong
+  std::optional<Reduction> reduction;
+  std::vector<double> results_hertz;  // with a reduction, of the modes of the results
+  std::vector<InputError> notes;      // what the user should know, though nothing is wrong
 };
 
 // Reads deck and results once. Throws InputError.
