@@ -1,7 +1,9 @@
 #include "report.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <new>
 #include <nlohmann/json.hpp>
@@ -37,14 +39,16 @@ void describe_box(FmdBody* body, Report& report) {
   }
 }
 
-// A frequency band leaves modes out at both ends and numbers those that stay from 1.
+// A frequency band leaves modes out at both ends and numbers those that stay from 1. Modes that are not
+// orthogonal have no frequencies, whatever a diagonal entry says.
 void describe_modes(FmdBody* body, int exported_modes, Report& report) {
   const bool all = exported_modes == FMD_ModeCount(body);
   const int first = all ? 0 : std::max(FMD_ModeIndex(body, 1), 0);
+  const std::vector<double> hertz = frequencies_of(body);
   for (int i = first; i < first + exported_modes; ++i) {
-    ReportedMode mode{FMD_ModeNumber(body, i), 0.0};
-    FMD_Eigenvalue(body, mode.number, nullptr, &mode.hertz, nullptr, nullptr, nullptr);
-    report.modes.push_back(mode);
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    report.modes.push_back(
+        {FMD_ModeNumber(body, i), hertz.empty() ? none : hertz[static_cast<std::size_t>(i)]});
   }
 }
 
@@ -119,6 +123,49 @@ std::string load_case_rows(const ReportedLoadCase& load_case) {
          vector_row("  force", load_case.force.data()) + vector_row("  moment", load_case.moment.data());
 }
 
+const char* name_of(calculix::InterfaceKind kind) {
+  static const char* const names[] = {"nodes", "rigid", "average"};
+  return names[static_cast<std::size_t>(kind)];
+}
+
+std::string reduction_rows(const ReportedReduction& reduction) {
+  std::string rows = text_row("matrices", reduction.stiffness);
+  rows += row("component modes", "%d of constraints, %d with held interfaces", reduction.constraint_modes,
+              reduction.fixed_interface_modes);
+  for (const calculix::Attachment& interface : reduction.interfaces) {
+    std::string text = std::string(name_of(interface.kind)) + " " + interface.name + ", " +
+                       std::to_string(interface.ids.size());
+    text += interface.ids.size() == 1 ? " node" : " nodes";
+    if (interface.reference_node != 0) {
+      char place[96];
+      std::snprintf(place, sizeof place, ", moves node %d at %.6g  %.6g  %.6g", interface.reference_node,
+                    interface.reference[0], interface.reference[1], interface.reference[2]);
+      text += place;
+    }
+    rows += text_row("interface", text);
+  }
+  return rows;
+}
+
+nlohmann::ordered_json json_of(const calculix::Attachment& interface) {
+  nlohmann::ordered_json json = {{"kind", name_of(interface.kind)},
+                                 {"name", interface.name},
+                                 {"nodes", interface.ids.size()},
+                                 {"coordinates", interface.coordinates}};
+  if (interface.reference_node != 0) {
+    json["reference_node"] = interface.reference_node;
+    json["reference_point"] = interface.reference;
+  }
+  return json;
+}
+
+nlohmann::ordered_json json_of(const ComparedMode& mode) {
+  return {{"number", mode.number},
+          {"hertz", mode.hertz},
+          {"results_hertz", mode.results_hertz},
+          {"difference", FrequencyComparison::difference(mode)}};
+}
+
 nlohmann::ordered_json json_of(const ReportedInvariants& invariants) {
   const auto& j = invariants.inertia;
   return {{"set", invariants.set},
@@ -145,7 +192,32 @@ nlohmann::ordered_json json_list(const std::vector<Item>& items) {
   return list;
 }
 
+nlohmann::ordered_json json_of(const ReportedReduction& reduction) {
+  return {{"matrices", reduction.stiffness},
+          {"constraint_modes", reduction.constraint_modes},
+          {"fixed_interface_modes", reduction.fixed_interface_modes},
+          {"interfaces", json_list(reduction.interfaces)}};
+}
+
+nlohmann::ordered_json json_of(const FrequencyComparison& comparison) {
+  return {{"rigid_modes", comparison.rigid_modes},
+          {"rigid_modes_of_results", comparison.rigid_modes_of_results},
+          {"largest_rigid_hertz", comparison.largest_rigid},
+          {"modes", json_list(comparison.modes)}};
+}
+
 }  // namespace
+
+std::vector<double> frequencies_of(FmdBody* body) {
+  std::vector<double> all;
+  for (int i = 0; i < FMD_ModeCount(body); ++i) {
+    double hertz = 0.0;
+    const int number = FMD_ModeNumber(body, i);
+    if (FMD_Eigenvalue(body, number, nullptr, &hertz, nullptr, nullptr, nullptr) == 0) return {};
+    all.push_back(hertz);
+  }
+  return all;
+}
 
 void describe_invariants(FmdBody* body, const std::string& set, Report& report) {
   const auto moment = taken(FMD_Invar2(body));
@@ -175,7 +247,8 @@ void describe_body(FmdBody* body, int exported_modes, Report& report) {
 
 std::string as_table(const Report& report) {
   std::string table = report.title + "\n";
-  table += text_row("results", report.results);
+  if (!report.results.empty()) table += text_row("results", report.results);
+  if (report.reduction) table += reduction_rows(*report.reduction);
   table += text_row("deck", report.deck);
   table += text_row("dataset", report.dataset);
   table += text_row("units",
@@ -196,9 +269,14 @@ std::string as_table(const Report& report) {
   table += "\n  mode    frequency [Hz]\n";
   for (const ReportedMode& mode : report.modes) {
     char line[64];
-    std::snprintf(line, sizeof line, "  %4d    %.10g\n", mode.number, mode.hertz);
+    if (std::isnan(mode.hertz)) {
+      std::snprintf(line, sizeof line, "  %4d    -\n", mode.number);
+    } else {
+      std::snprintf(line, sizeof line, "  %4d    %.10g\n", mode.number, mode.hertz);
+    }
     table += line;
   }
+  if (report.comparison) table += comparison_table(*report.comparison);
   return table;
 }
 
@@ -226,6 +304,8 @@ std::string as_json(const Report& report) {
   for (const ReportedMode& mode : report.modes) {
     json["modes"].push_back({{"number", mode.number}, {"hertz", mode.hertz}});
   }
+  if (report.reduction) json["reduction"] = json_of(*report.reduction);
+  if (report.comparison) json["comparison"] = json_of(*report.comparison);
   json["bytes"] = report.bytes;
   json["seconds"] = report.seconds;
   // A title may hold bytes that are no text in UTF-8.

@@ -8,13 +8,15 @@
 #include <string>
 #include <vector>
 
+#include "calculix/reduction.h"
 #include "fmdtoolkit/fmdtoolkit.h"
+#include "frequency_comparison.h"
 
 namespace fmdtool {
 
 struct ReportedMode {
   int number;
-  double hertz;
+  double hertz;  // not a number for one that is not orthogonal to the others
 };
 
 // About the origin of the body.
@@ -39,6 +41,14 @@ struct ReportedLoadCase {
   std::array<double, 3> moment;
 };
 
+// Where the modes come from, when they were made from matrices.
+struct ReportedReduction {
+  std::string stiffness;  // file
+  int constraint_modes;
+  int fixed_interface_modes;
+  std::vector<calculix::Attachment> interfaces;
+};
+
 struct Report {
   std::string title;
   std::string results;
@@ -57,12 +67,17 @@ struct Report {
   std::optional<ReportedInvariants> invariants;
   std::vector<ReportedMonitor> monitor_points;
   std::vector<ReportedLoadCase> load_cases;
+  std::optional<ReportedReduction> reduction;
+  std::optional<FrequencyComparison> comparison;
   std::uintmax_t bytes = 0;
   double seconds = 0.0;
 };
 
 // Takes from a body that has been written what the dataset holds of it, the modes as many as were exported.
 void describe_body(FmdBody* body, int exported_modes, Report& report);
+
+// Frequencies of all modes that the body holds, exported or not, in Hz; empty where they are not orthogonal.
+std::vector<double> frequencies_of(FmdBody* body);
 
 // Adds the invariants of the rigid body.
 void describe_invariants(FmdBody* body, const std::string& set, Report& report);

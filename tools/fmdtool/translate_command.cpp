@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
+#include <vector>
 
 #include "console.h"
 #include "output_file.h"
@@ -32,11 +33,11 @@ class Session {
   FmdBody* body_;
 };
 
-// JOB of JOB.frd and JOB.frd.gz, with the directory.
-fs::path job_name(const fs::path& results) {
-  fs::path name = results;
+// JOB of JOB.frd, JOB.sti and both with .gz, with the directory.
+fs::path job_name(const fs::path& file) {
+  fs::path name = file;
   if (name.extension() == ".gz") name.replace_extension();
-  if (name.extension() == ".frd") name.replace_extension();
+  if (name.extension() == ".frd" || name.extension() == ".sti") name.replace_extension();
   return name;
 }
 
@@ -46,8 +47,15 @@ std::string with_ending(const fs::path& name, const char* ending) {
 
 // Fills in the names left out. Paths become absolute, since the work is done in another directory.
 void complete(TranslateRequest& request) {
-  const fs::path results = fs::absolute(request.job.results);
-  const fs::path name = job_name(results);
+  calculix::Job& job = request.job;
+  const fs::path results = job.results.empty() ? fs::path() : fs::absolute(job.results);
+  if (job.reduction) {
+    calculix::MatrixFiles& files = job.reduction->files;
+    for (std::string* file : {&files.stiffness, &files.mass, &files.dofs}) {
+      *file = fs::absolute(*file).string();
+    }
+  }
+  const fs::path name = job_name(job.reduction ? fs::path(job.reduction->files.stiffness) : results);
   if (request.output.empty()) request.output = with_ending(name.filename(), ".fmd");
   if (request.job.deck.empty()) {
     request.job.deck = with_ending(name, ".inp");
@@ -61,7 +69,12 @@ void complete(TranslateRequest& request) {
 }
 
 void refuse_input_as_output(const TranslateRequest& request, const OutputFile& output) {
-  for (const std::string& input : {request.job.results, request.job.deck}) {
+  std::vector<std::string> inputs = {request.job.results, request.job.deck};
+  if (request.job.reduction) {
+    const calculix::MatrixFiles& files = request.job.reduction->files;
+    inputs.insert(inputs.end(), {files.stiffness, files.mass, files.dofs});
+  }
+  for (const std::string& input : inputs) {
     std::error_code error;
     if (fs::equivalent(output.target(), input, error)) {
       throw std::runtime_error(request.output + ": expected an output file that is not an input file");
@@ -97,6 +110,12 @@ void set_write_options(const TranslateRequest& request) {
   if (!options.empty()) setenv(options_variable, options.c_str(), 1);
 }
 
+ReportedReduction reported(const calculix::Model& model, const fs::path& from) {
+  const calculix::Reduction& reduction = *model.reduction;
+  return {shown(model.job.reduction->files.stiffness, from), reduction.model.constraint_modes,
+          reduction.model.modes - reduction.model.constraint_modes, reduction.attachments};
+}
+
 Report run(TranslateRequest& request, const fs::path& from) {
   complete(request);
   OutputFile output(request.output);
@@ -113,8 +132,13 @@ Report run(TranslateRequest& request, const fs::path& from) {
     show_progress("Writing", 1.0);
     write_dataset(session.body(), output);
     describe_body(session.body(), exported_modes(), report);
+    if (!model.results_hertz.empty() && !report.modes.empty()) {
+      const std::vector<double> hertz = frequencies_of(session.body());
+      if (!hertz.empty()) report.comparison = compare_frequencies(hertz, model.results_hertz);
+    }
     if (!request.invariants.empty()) describe_invariants(session.body(), request.invariants, report);
   }
+  if (model.reduction) report.reduction = reported(model, from);
   report.title = model.title;
   report.results = shown(request.job.results, from);
   report.deck = shown(request.job.deck, from);
