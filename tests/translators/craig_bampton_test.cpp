@@ -242,6 +242,21 @@ TEST(CraigBampton, GivesTheClosedSolutionOfALongChainWithMassAtEverySecondNode) 
   }
 }
 
+// A light frame with a few heavy spots: five masses in a long chain without mass are a chain of five.
+TEST(CraigBampton, FindsAllModesOfFewMassesOnALargePart) {
+  Structure structure = chain(1201, 1000.0, 0.0);
+  for (int i = 200; i < 1200; i += 200) structure.mass.at(i, i) = 2.0;
+  const ReducedModel model = reduced(structure, {single(0), single(1200)}, 5);
+  for (int m = 0; m < 5; ++m) {
+    const double sine = std::sin((m + 1) * pi / 12.0);
+    EXPECT_NEAR(eigenvalue(model, m) / (4.0 * 5.0 / 2.0 * sine * sine), 1.0, 1e-10) << m;
+  }
+  EXPECT_EQ(error_of([&] {
+              reduced(structure, {single(0), single(1200)}, 6);
+            }),
+            "the part with held interfaces has 5 modes of finite frequency, 6 were asked for");
+}
+
 // Two equal chains that do not touch have every frequency twice.
 TEST(CraigBampton, FindsBothModesOfAnEigenvalueThatComesTwice) {
   const int half = 300;

@@ -30,9 +30,6 @@ class ConstrainedSolver {
   // The same, and once more for what the residual leaves.
   Eigen::MatrixXd solve_refined(const Eigen::MatrixXd& forces, const Eigen::MatrixXd& values) const;
 
-  const UpperMatrix& stiffness() const { return stiffness_; }
-  const Eigen::SparseMatrix<double>& transposed_constraints() const { return transposed_constraints_; }
-
  private:
   void factorise(const std::vector<int>& anchors);
   void add_low_rank(const std::vector<int>& anchors);

@@ -1,6 +1,6 @@
 // Modes are found as the largest 1/l of the inverse problem, which a singular mass matrix does not disturb:
-// what has no mass has 1/l = 0. Large parts go through a Lanczos method with implicit restarts in the inner
-// product of the mass (D. C. Sorensen, 1992), small ones through a dense solver.
+// what has no mass has 1/l = 0. Many masses go through a Lanczos method with implicit restarts in the inner
+// product of the mass (D. C. Sorensen, 1992), few through a dense solver.
 #include "calculix/fixed_interface_modes.h"
 
 #include <Spectra/SymGEigsShiftSolver.h>
@@ -8,7 +8,9 @@
 #include <Eigen/Eigenvalues>
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "calculix/craig_bampton.h"
 
@@ -30,6 +32,10 @@ constexpr double smallest_share = 1e-13;
 [[noreturn]] void fail_too_few(Index found, int count) {
   throw ReductionError("the part with held interfaces has " + std::to_string(found) +
                        " modes of finite frequency, " + std::to_string(count) + " were asked for");
+}
+
+[[noreturn]] void fail_to_find() {
+  throw ReductionError("the modes with held interfaces were not found; ask for fewer");
 }
 
 // Multiplies by s M, where s brings the largest of the sought values to about one: the method has absolute
@@ -89,25 +95,50 @@ VectorXd mixed_vector(Index size) {
   return x;
 }
 
-// With A = 0 solved by the null space Z of A:  (Z^T M Z) y = t (Z^T K Z) y.
-MatrixXd dense_modes(const ConstrainedSolver& solver, const UpperMatrix& mass, int count) {
-  const Index size = solver.size();
-  const Index free = size - solver.constraints();
-  MatrixXd basis = MatrixXd::Identity(size, size);
-  if (solver.constraints() > 0) {
-    const Eigen::ColPivHouseholderQR<MatrixXd> qr{MatrixXd(solver.transposed_constraints())};
-    basis = MatrixXd(qr.householderQ() * MatrixXd::Identity(size, size)).rightCols(free);
+// A unit column for each of the places.
+MatrixXd selection(Index size, const std::vector<Index>& places) {
+  MatrixXd columns = MatrixXd::Zero(size, static_cast<Index>(places.size()));
+  for (std::size_t i = 0; i < places.size(); ++i) columns(places[i], static_cast<Index>(i)) = 1.0;
+  return columns;
+}
+
+// The degrees of freedom that have mass.
+std::vector<Index> massive_dofs(const UpperMatrix& mass) {
+  std::vector<char> massive(static_cast<std::size_t>(mass.cols()), 0);
+  for (Index column = 0; column < mass.cols(); ++column) {
+    for (UpperMatrix::InnerIterator entry(mass, column); entry; ++entry) {
+      if (entry.value() == 0.0) continue;
+      massive[static_cast<std::size_t>(entry.row())] = massive[static_cast<std::size_t>(column)] = 1;
+    }
   }
-  if (count > free) fail_too_few(free, count);
-  const MatrixXd k = basis.transpose() * (solver.stiffness().selfadjointView<Eigen::Upper>() * basis);
-  const MatrixXd m = basis.transpose() * (mass.selfadjointView<Eigen::Upper>() * basis);
-  const Eigen::GeneralizedSelfAdjointEigenSolver<MatrixXd> eigen(m, k);
-  if (eigen.info() != Eigen::Success) throw ReductionError("the modes with held interfaces were not found");
-  const VectorXd& shares = eigen.eigenvalues();  // ascending 1/l
-  const double least = smallest_share * static_cast<double>(free) * std::max(shares[free - 1], 0.0);
+  std::vector<Index> dofs;
+  for (Index i = 0; i < mass.cols(); ++i) {
+    if (massive[static_cast<std::size_t>(i)] != 0) dofs.push_back(i);
+  }
+  return dofs;
+}
+
+// With M = L L^T, taken from its eigenvalues so that it may be singular, and P the static solution with held
+// interfaces:  (L^T P L) y = y / l  and x = P L y.
+MatrixXd dense_modes(const ConstrainedSolver& solver, const UpperMatrix& mass,
+                     const std::vector<Index>& massive, int count) {
+  const auto size = static_cast<Index>(massive.size());
+  if (size < count) fail_too_few(size, count);
+  const MatrixXd full = mass.selfadjointView<Eigen::Upper>() * selection(mass.cols(), massive);
+  const Eigen::SelfAdjointEigenSolver<MatrixXd> of_mass(full(massive, Eigen::all));
+  const VectorXd roots = of_mass.eigenvalues().cwiseMax(0.0).cwiseSqrt();
+  const MatrixXd factor = of_mass.eigenvectors() * roots.asDiagonal();
+  MatrixXd forces = MatrixXd::Zero(solver.size(), size);
+  forces(massive, Eigen::all) = factor;
+  const MatrixXd response = solver.solve(forces, MatrixXd::Zero(solver.constraints(), size));
+  const MatrixXd product = factor.transpose() * response(massive, Eigen::all);
+  const Eigen::SelfAdjointEigenSolver<MatrixXd> eigen(0.5 * (product + product.transpose()));
+  if (of_mass.info() != Eigen::Success || eigen.info() != Eigen::Success) fail_to_find();
+  const VectorXd& shares = eigen.eigenvalues();  // 1/l, ascending
+  const double least = smallest_share * static_cast<double>(size) * std::max(shares[size - 1], 0.0);
   const Index found = (shares.array() > least).count();
   if (count > found) fail_too_few(found, count);
-  return basis * eigen.eigenvectors().rightCols(count).rowwise().reverse();
+  return response * eigen.eigenvectors().rightCols(count).rowwise().reverse();
 }
 
 MatrixXd lanczos_modes(const ConstrainedSolver& solver, const UpperMatrix& mass, int count) {
@@ -121,11 +152,13 @@ MatrixXd lanczos_modes(const ConstrainedSolver& solver, const UpperMatrix& mass,
   const Index basis = std::min<Index>(solver.size(), std::max<Index>(2 * count + 10, 30));
   Spectra::SymGEigsShiftSolver<StaticSolution, MassProduct, Spectra::GEigsMode::ShiftInvert> eigen(
       solution, product, count, basis, 0.0);
-  eigen.init(next.data());
-  eigen.compute(Spectra::SortRule::LargestMagn, most_restarts, tolerance, Spectra::SortRule::SmallestAlge);
-  if (eigen.info() != Spectra::CompInfo::Successful) {
-    throw ReductionError("the modes with held interfaces were not found; ask for fewer");
+  try {
+    eigen.init(next.data());
+    eigen.compute(Spectra::SortRule::LargestMagn, most_restarts, tolerance, Spectra::SortRule::SmallestAlge);
+  } catch (const std::runtime_error&) {  // of the eigenvalues of a small matrix inside
+    fail_to_find();
   }
+  if (eigen.info() != Spectra::CompInfo::Successful) fail_to_find();
   return eigen.eigenvectors();
 }
 
@@ -142,12 +175,12 @@ void purify(const ConstrainedSolver& solver, const UpperMatrix& mass, MatrixXd& 
 
 MatrixXd fixed_interface_modes(const ConstrainedSolver& solver, const UpperMatrix& mass, int count) {
   if (count == 0) return MatrixXd(solver.size(), 0);
-  if (solver.size() <= solver.constraints()) fail_too_few(0, count);
-  const bool small = solver.size() <= largest_dense || solver.size() < 3 * static_cast<Index>(count);
-  MatrixXd modes = small ? dense_modes(solver, mass, count) : lanczos_modes(solver, mass, count);
+  const std::vector<Index> massive = massive_dofs(mass);
+  const auto rank = static_cast<Index>(massive.size());  // of the mass at most
+  const bool small = rank <= largest_dense || rank < 3 * static_cast<Index>(count);
+  MatrixXd modes = small ? dense_modes(solver, mass, massive, count) : lanczos_modes(solver, mass, count);
   purify(solver, mass, modes);
-  if (!modes.allFinite())
-    throw ReductionError("the modes with held interfaces were not found; ask for fewer");
+  if (!modes.allFinite()) fail_to_find();
   return modes;
 }
 
