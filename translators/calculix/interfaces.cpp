@@ -254,19 +254,21 @@ Point centre_of(const std::vector<InterfaceNode>& nodes) {
 
 RowIndex::RowIndex(const std::vector<DegreeOfFreedom>& dofs) {
   std::vector<int> ids;
+  ids.reserve(dofs.size());
   for (const DegreeOfFreedom& dof : dofs) ids.push_back(dof.node);
   std::sort(ids.begin(), ids.end());
   ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
   nodes_ = IdIndex(ids);
   rows_.assign(3 * ids.size(), -1);
   for (std::size_t row = 0; row < dofs.size(); ++row) {
-    rows_[static_cast<std::size_t>(3 * nodes_.find(dofs[row].node) + dofs[row].axis)] = static_cast<int>(row);
+    const auto place = static_cast<std::size_t>(nodes_.find(dofs[row].node));
+    rows_[3 * place + static_cast<std::size_t>(dofs[row].axis)] = static_cast<int>(row);
   }
 }
 
 int RowIndex::find(int node, int axis) const {
   const int place = nodes_.find(node);
-  return place < 0 ? -1 : rows_[static_cast<std::size_t>(3 * place + axis)];
+  return place < 0 ? -1 : rows_[3 * static_cast<std::size_t>(place) + static_cast<std::size_t>(axis)];
 }
 
 std::vector<Coupling> couplings_of(InterfaceKind kind, const std::vector<InterfaceNode>& nodes,
@@ -274,6 +276,7 @@ std::vector<Coupling> couplings_of(InterfaceKind kind, const std::vector<Interfa
   if (kind == InterfaceKind::rigid) return {rigid_coupling(nodes, reference, rows)};
   if (kind == InterfaceKind::average) return {average_coupling(nodes, reference, rows)};
   std::vector<Coupling> couplings;
+  couplings.reserve(nodes.size());
   for (const InterfaceNode& node : nodes) couplings.push_back(coupling_of_node(node, rows));
   return couplings;
 }

@@ -49,6 +49,7 @@ std::vector<int> node_ids_of(const InterfaceRequest& interface, const Source& so
 
 std::vector<InterfaceNode> placed(const std::vector<int>& ids, const FrdContents& contents) {
   std::vector<InterfaceNode> nodes;
+  nodes.reserve(ids.size());
   for (const int id : ids) {
     nodes.push_back({id, contents.mesh.points[static_cast<std::size_t>(contents.node_index.find(id))]});
   }
@@ -179,8 +180,10 @@ void send_mode_vectors(const Reduction& reduction, const FrdContents& contents,
   ModeVector vector;
   for (std::size_t i = 0; i < contents.mesh.node_ids.size(); ++i) vector.nodes.push_back(static_cast<int>(i));
   std::vector<std::size_t> places;
+  places.reserve(reduction.dofs.size());
   for (const DegreeOfFreedom& dof : reduction.dofs) {
-    places.push_back(static_cast<std::size_t>(6 * contents.node_index.find(dof.node) + dof.axis));
+    const auto node = static_cast<std::size_t>(contents.node_index.find(dof.node));
+    places.push_back(6 * node + static_cast<std::size_t>(dof.axis));
   }
   for (int m = 0; m < reduction.model.modes; ++m) {
     vector.mode = &contents.modes[static_cast<std::size_t>(m)];
@@ -191,8 +194,8 @@ void send_mode_vectors(const Reduction& reduction, const FrdContents& contents,
     for (const Attachment& attachment : reduction.attachments) {
       const int coordinate = m - attachment.first_mode;
       if (attachment.reference_node == 0 || coordinate < 0 || coordinate >= attachment.coordinates) continue;
-      const int node = contents.node_index.find(attachment.reference_node);
-      vector.values[static_cast<std::size_t>(6 * node + coordinate)] = 1.0;
+      const auto node = static_cast<std::size_t>(contents.node_index.find(attachment.reference_node));
+      vector.values[6 * node + static_cast<std::size_t>(coordinate)] = 1.0;
     }
     receive(vector);
   }
