@@ -153,6 +153,17 @@ void FMD_FreeMemory(void* pointer);
 /* The oldest live body, or null. */
 FmdBody* FMD_GetFirstFMD(void);
 
+/* The body with this index (from 1) in a database file: one that is live already, with one more reference, or
+   a new one that is read; null, with a message, where it cannot be. A live body is found by the file's name
+   as it was given. Mode vectors and invariants stay in the file until they are asked for. The second form
+   hands out the body reduced to its surface mesh; whole and reduced, one stored body may be live twice. */
+FmdBody* FMD_CreateFromFMD(char* fileName, int index);
+FmdBody* FMD_CreateFromFMD_SurfaceMesh(char* fileName, int index);
+
+/* Reads a stored body into a new, empty one: 1, or 0 with a message and the body half filled, which the
+   caller releases. 0 without a word for a null body. */
+int FMD_ReadFMD(FmdBody* body, char* fileName, int index);
+
 /* 1 if the handle is a live body, otherwise 0; reports nothing. */
 int FMD_IsValid(FmdBody* body);
 
@@ -319,6 +330,13 @@ int FMD_SetGeneralizedDamping(FmdBody* body, int row, int column, double value);
 
 /* Asks the next orthonormalisation to normalise the modes by mass (1) or not (0). */
 void FMD_SetShouldMassNormalizeModes(FmdBody* body, int flag);
+
+/* Read the generalized matrices of a stored body into tables that the body has for them: 1, also for a
+   dataset without the block; 0 where a table is too small or the block ends before. FMD_ReadFMD has done it.
+ */
+int FMD_ReadGeneralizedStiffness(FmdBody* body);
+int FMD_ReadGeneralizedMass(FmdBody* body);
+int FMD_ReadGeneralizedDamping(FmdBody* body);
 
 /* Entries that the sparse operations deliver; without a list, the diagonal of the eigenvalue table. */
 int FMD_NumberOfGenStiff(FmdBody* body);
@@ -716,6 +734,24 @@ int* FMD_ClosestNodesInNeighborhood(FmdBody* body, double* point, double radius,
    body: it orthonormalises and numbers its modes and fills its statistics. */
 int FMD_write_FMD(FmdBody* body, char* path);
 
+/* Stores the body in a database, whose master file is path ("name.MASTER") and which is made if it is not
+   there: with the options of FMD_write_FMD, but always in native numbers. Qualifiers are separated by commas:
+   "SELABEL='arm',PROJNO=2", with VERSION, PEID, DESITER and STEPCUR besides; those left out are 1 (PROJNO,
+   VERSION), 0 or empty. A body that has the same six is replaced. 1 when the body is stored; otherwise 0 with
+   a message, and the database is what it was, but the session has to be ended with FMD_Terminate. */
+int FMD_write_DB(FmdBody* body, char* path, char* qualifiers);
+
+/* Moves a body to a new reference point and modal basis: masses and nodal inertias times massScale, mode
+   vectors through the matrix transform (mode count squared, row by row; null for none), then points and
+   vectors less origin (3) and turned by rotation (9, column by column; none where the diagonal holds ones).
+   The body has modeCount modes then. Global mass and inertia, nodal inertias and monitor points stay. */
+void FMD_PermuteFMD(FmdBody* body, double* origin, int modeCount, double massScale, double* transform,
+                    double* rotation);
+
+/* Drops what depends on the present modal basis, so that it can be set again: eigenvalues, generalized
+   matrices, transformation and the nodal mass block. Always 1. */
+int FMD_PreprocessBAPFMD(FmdBody* body);
+
 /* Lists one block of the body, by its number 1 to 35, as text. What is listed is the body as it stands. */
 void FMD_Contents(FmdBody* body, int block, FILE* out);
 
@@ -751,9 +787,42 @@ int DB_CloseDatablk(int block);
 /* Moves the body's dataset to the start of a block (id 0 to 34); 0 if it has none. */
 int FMD_goto_block(FmdBody* body, int id);
 
+/* Makes a body's dataset readable: fills the places of its blocks and modes, from the position table or by a
+   walk over the records. 1; 0 without an open dataset, memory or a sound table. FMD_ReadFMD has done it. */
+int FMD_get_position_of_blocks(FmdBody* body);
+
 /* Starts the database session, which FMD_Create does by itself; ends it and deletes its files. */
 int DB_StartBase(void);
 void DB_TermBase(void);
+
+/* Checks the header of a database file: 0 when it can be used; otherwise the reason, which is reported, as 1
+   foreign number format, 2 not found, 3 no permission, 4 no regular file, 5 not opened, 6 too short, 7 read
+   error, -1 unknown, 10 to 13 offset, signature, format or record length of its time stamp header. */
+int DB_CheckDBset(char* path);
+
+/* Number of bodies in a database, 0 for none or a file that is no database. DB_BodyBrowser and DB_GetBodyInfo
+   also copy the row of a body (index from 1) into 256 bytes: "SELABEL='arm',PROJNO=1,VERSION=1,PEID=0,
+   DESITER=0,STEPCUR=0". DB_GetBodyInfo answers 1 or 0. A database is asked once in a session;
+   DB_ResetBrowser forgets all. */
+int DB_BodyBrowser(char* path, int index, char* row);
+int DB_BodyCount(char* path);
+int DB_GetBodyInfo(char* path, int index, char* row);
+void DB_ResetBrowser(void);
+
+/* Opens the datablock of a body (index from 1): its key, or 0 with a message. Stores its assignment number.
+ */
+int DB_OpenDatablk(char* path, int index, int* logicalId);
+/* A new datablock in the open database, for writing: its key, or 0 with a message. The qualifiers are
+   separated by commas, as in a row; those left out have their defaults. */
+int DB_CreateFMDblk(char* qualifiers);
+/* Moves the session to the target database, which is made if it is not there, and back; 1, or 0 with a
+   message. Between the two only this body has open datablocks. What was written on the target is stored when
+   DB_TermWrite leaves it. After a failure the session stays where it stopped: end it with FMD_Terminate. */
+int DB_StartWrite(FmdBody* body, char* path);
+int DB_TermWrite(FmdBody* body, char* path);
+
+/* Turns blanks at the end of a text field of so many bytes into NUL bytes. */
+void terminate_string(char* field, int width);
 
 /* Widen (from the last element down, so both may start at one address) and narrow n reals. */
 double* float2double(double* to, const float* from, int n);
@@ -880,6 +949,7 @@ int DB_GetMaxModeRotation(FmdBody* body, int mode, int* node, double* value);
 int DB_GetMaxVonMisesStress(FmdBody* body, int mode, int* node, double* value);
 int DB_GetMaxVonMisesStrain(FmdBody* body, int mode, int* node, double* value);
 int DB_write_FMD(FmdBody* body, char* path);
+int DB_write_DB(FmdBody* body, char* path, char* qualifiers);
 int DB_Version(FmdBody* body);
 void DB_Destroy(void);
 void DB_UnLink(FmdBody* body);
@@ -908,6 +978,9 @@ void DB_SetModalLoadProcessed(FmdBody* body, int load_case, int flag);
 int DB_ModalPreloadProcessed(FmdBody* body);
 void DB_SetModalPreloadProcessed(FmdBody* body, int flag);
 void DB_SetShouldMassNormalizeModes(FmdBody* body, int flag);
+/* These two forward to FMD_CreateFromFMD and FMD_CreateFromFMD_SurfaceMesh. */
+FmdBody* DB_CreateFromFileByIndex(char* fileName, int index);
+FmdBody* DB_CreateFromFileByIndex_SurfaceMesh(char* fileName, int index);
 int DB_IsValid(FmdBody* body);
 int DB_ModeByRef(FmdBody* body, int mode, int type, double** values, int part);
 void DB_SetMonitorPointInfo(FmdBody* body, int type, int resultType, int component, int loadOperatorCount,
@@ -930,6 +1003,9 @@ int DB_RenumberNodes(FmdBody* body, int offset);
 int DB_GetFreeEdgeCount(FmdBody* body);
 int DB_GetFreeEdgeSize(FmdBody* body, int chain);
 int DB_GetFreeEdge(FmdBody* body, int chain, int* out);
+void DB_PermuteFMD(FmdBody* body, double* origin, int modeCount, double massScale, double* transform,
+                   double* rotation);
+int DB_PreprocessBAPFMD(FmdBody* body);
 int DB_SetMatrixOperatorInfo(FmdBody* body, char* name, char** labels, int rowCount);
 int DB_SetMatrixOperatorData(FmdBody* body, int index, char* tag, int columnCount, double* data);
 int DB_GetMatrixOperatorCount(FmdBody* body);

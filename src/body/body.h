@@ -40,6 +40,7 @@ constexpr double kTwoPi = 6.28318530718;
 constexpr std::uint32_t kVersionXdr = 0x100;
 constexpr std::uint32_t kVersionSingle = 0x200;
 constexpr std::uint32_t kVersionCoarsened = 0x400;
+constexpr std::uint32_t kVersionHasTable = 0x1000;
 
 // Bytes of BlockExists.
 enum SummaryByte : int {
@@ -270,6 +271,8 @@ struct FmdBody {
   std::int32_t StatisticsCount;                           // records that ModalStatistics has
   std::int32_t PreloadCount;                              // doubles that ModalPreload has
   std::int32_t TransformationOrder;                       // order of the Transformation matrix
+  std::int32_t ModePositionCount[TOTAL_MODE_INFO_TYPES];  // modes that a stored dataset has positions for
+  std::int32_t FacesReserved;                             // word of a stored face block that nobody uses
   std::int32_t Invar3Modes;                               // modes that each invariant has been made for
   std::int32_t Invar4Modes;
   std::int32_t Invar5Modes;

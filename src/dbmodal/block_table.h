@@ -10,16 +10,18 @@
 namespace fmd {
 
 struct WriteJob;
+class BlockReader;
 
 constexpr int kAlwaysPresent = -1;
 
 struct Block {
-  int number;                 // on file; its id is one less
-  int summary_byte;           // of BlockExists, or kAlwaysPresent
-  const char* name;           // as listed to people
-  const char* write_failure;  // what is reported when the block cannot be written
-  bool (*write)(WriteJob&);   // null for the blocks that always exist
-  const char* title;          // in the banner of its listing; null where the listing prints its own
+  int number;                  // on file; its id is one less
+  int summary_byte;            // of BlockExists, or kAlwaysPresent
+  const char* name;            // as listed to people
+  const char* write_failure;   // what is reported when the block cannot be written
+  bool (*write)(WriteJob&);    // null for the blocks that always exist
+  bool (*read)(BlockReader&);  // null for those that are read before all others, or when asked for
+  const char* title;           // in the banner of its listing; null where the listing prints its own
   void (*list)(FmdBody*, std::FILE*);
 };
 

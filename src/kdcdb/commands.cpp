@@ -19,11 +19,6 @@ bool is_name_character(char c) {
          (c != '\0' && std::strchr("_.+-*", c) != nullptr);
 }
 
-std::string in_small_letters(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
-
 // A recursive descent over one text.
 class Parser {
  public:
@@ -120,6 +115,11 @@ class Parser {
 Status parse_commands(const char* text, std::vector<Command>& commands) {
   commands.clear();
   return Parser(text).commands(commands) ? kOk : kBadCommand;
+}
+
+std::string in_small_letters(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
 }
 
 bool parse_integer(const std::string& text, std::int32_t& value) {

@@ -37,6 +37,8 @@ using Command = std::vector<Item>;
 // kBadCommand for a text outside the grammar.
 Status parse_commands(const char* text, std::vector<Command>& commands);
 
+std::string in_small_letters(std::string text);
+
 // The whole of a text as a 32-bit integer.
 bool parse_integer(const std::string& text, std::int32_t& value);
 

@@ -5,8 +5,10 @@
 namespace kdcdb {
 
 Status Cursor::open(int option) {
+  Status status = block_->prepare();
+  if (status != kOk) return status;
   if (option == kOpenNew) {
-    const Status status = block_->clear();
+    status = block_->clear();
     if (status != kOk) return status;
     mode_ = Mode::kWriting;
   } else if (option == kOpenExisting || option == kOpenAgain) {
@@ -20,7 +22,7 @@ Status Cursor::open(int option) {
 }
 
 void Cursor::close() {
-  if (mode_ == Mode::kWriting) block_->file.trim(block_->words * kWordBytes);
+  if (mode_ == Mode::kWriting) block_->end_writing();
   mode_ = Mode::kClosed;
 }
 
@@ -63,6 +65,12 @@ Status Cursor::restore(std::int64_t position) {
   return kOk;
 }
 
+Status Cursor::remaining(std::int64_t* words) {
+  const Status status = check();
+  if (status == kOk) *words = record_end() - at_;
+  return status;
+}
+
 Status Cursor::skip(std::int64_t count) {
   const Status status = check();
   if (status != kOk) return status;
@@ -78,7 +86,7 @@ Status Cursor::read(void* words, std::int64_t count, std::int64_t* actual) {
   Status status = check();
   if (status != kOk) return status;
   const std::int64_t available = std::min(count, record_end() - at_);
-  status = block_->file.read(at_ * kWordBytes, words, available * kWordBytes);
+  status = block_->read(at_, words, available);
   if (status != kOk) return status;
   at_ += available;
   *actual = available;
@@ -90,7 +98,7 @@ Status Cursor::write(const void* words, std::int64_t count) {
   if (status != kOk) return status;
   const std::int64_t inside = std::min(count, record_end() - at_);
   if (inside < count && !(record_.is_last && mode_ == Mode::kWriting)) return kEndOfRecord;
-  const Status written = block_->file.write(at_ * kWordBytes, words, inside * kWordBytes);
+  const Status written = block_->write(at_, words, inside);
   if (written != kOk) return written;
   if (inside < count) {
     const auto* rest = static_cast<const std::int32_t*>(words) + inside;

@@ -3,16 +3,19 @@
 #define FMDTOOLKIT_KDCDB_CURSOR_H
 
 #include <cstdint>
+#include <memory>
+#include <utility>
 
-#include "kdcdb/scratch_block.h"
+#include "kdcdb/datablock.h"
 
 namespace kdcdb {
 
 class Cursor {
  public:
-  explicit Cursor(ScratchBlock* block) : block_(block) {}
+  explicit Cursor(std::shared_ptr<Datablock> block) : block_(std::move(block)) {}
 
-  ScratchBlock* block() const { return block_; }
+  Datablock* block() const { return block_.get(); }
+  bool is_writing() const { return mode_ == Mode::kWriting; }
 
   Status open(int option);
   void close();
@@ -20,6 +23,7 @@ class Cursor {
   Status to_next_record();
   Status save(std::int64_t* position, bool* end_of_record, bool* end_of_file);
   Status restore(std::int64_t position);
+  Status remaining(std::int64_t* words);
   Status skip(std::int64_t count);
   Status read(void* words, std::int64_t count, std::int64_t* actual);
   Status write(const void* words, std::int64_t count);
@@ -40,10 +44,10 @@ class Cursor {
   std::int64_t record_end() const { return record_.is_last ? block_->words : record_.end; }
   void stand_at(std::int64_t position);
 
-  ScratchBlock* block_;
+  std::shared_ptr<Datablock> block_;
   Mode mode_ = Mode::kClosed;
   std::int64_t at_ = 0;
-  ScratchBlock::Record record_{0, 0, true};
+  Datablock::Record record_{0, 0, true};
   std::size_t marks_ = 0;
   std::uint64_t generation_ = 0;
 };

@@ -34,11 +34,12 @@ enum Status : int {
   kBadArgument = 10,    // a negative count, an unknown option, a name that does not fit
   kExists = 11,         // a database of that name is there already
   kNoFile = 12,         // no such database
-  kNotADatabase = 13,   // the master file is damaged or none of ours
+  kNotADatabase = 13,   // no master file of ours
   kLocked = 14,         // another writer has the database
   kNoSpace = 15,        // disk, quota or file size limit is exhausted
   kInputOutput = 16,    // the system failed a call
-  kNoMemory = 17
+  kNoMemory = 17,
+  kDamaged = 18  // a checksum does not hold, or what is stored contradicts itself
 };
 
 // Options of Gopen.
@@ -112,6 +113,9 @@ Status Savps3(int key, std::int64_t* position, bool* end_of_record, bool* end_of
 // To a place that Savps3 gave. A bad one leaves the datablock without a place, so that nothing is read or
 // written where it was not meant to be.
 Status Filps3(int key, std::int64_t position);
+
+// Words from the current place to the end of the record.
+Status Remaining(int key, std::int64_t* words);
 
 // Reads words of the current record. A record that ends before gives what is left and kEndOfRecord. A
 // negative count moves forward without reading; it fails where the record ends before, and also where it

@@ -101,13 +101,14 @@ Status MasterFile::write_new(bool lasting) {
   root.file_id = random_id();
   root.generation = 1;
   const HeaderBytes header = encode_header(root.file_id, created);
-  const RootBytes slot = encode_root(root);
+  const RootPageBytes slot = encode_root_page(root);
   if (fmd::file_system().ftruncate(file_, kFirstFreePage * kPageBytes) != 0 ||
       !fmd::write_all_at(file_, header.data(), header.size(), 0) ||
       !fmd::write_all_at(file_, slot.data(), slot.size(), root_page(root.generation) * kPageBytes))
     return status_of_error(errno);
   if (lasting && fmd::file_system().fsync(file_) != 0) return status_of_error(errno);
-  return lock();
+  const Status status = lock();
+  return status == kOk ? writer_.begin(file_) : status;
 }
 
 Status MasterFile::lock() {
@@ -124,42 +125,28 @@ Status MasterFile::open(const char* path) {
   file_ = fmd::file_system().open(path, O_RDWR, 0);
   if (file_ < 0) return status_of_error(errno);
   Status status = lock();
-  if (status == kOk) status = check(path);
+  if (status == kOk) status = check_name(path);
+  if (status == kOk) status = writer_.begin(file_);
   if (status != kOk) close();
   return status;
 }
 
+Status MasterFile::resume(const char* path) {
+  const Status status = check_name(path);
+  return status == kOk ? writer_.begin(file_) : status;
+}
+
 // The name may have come to mean another file between opening and locking.
-Status MasterFile::check(const char* path) {
+Status MasterFile::check_name(const char* path) {
   fmd::FileSystem& system = fmd::file_system();
   struct stat locked {};
   struct stat named {};
   if (system.fstat(file_, &locked) != 0 || system.stat(path, &named) != 0) return status_of_error(errno);
-  if (locked.st_dev != named.st_dev || locked.st_ino != named.st_ino) return kLocked;
-
-  HeaderBytes header;
-  std::uint64_t file_id = 0;
-  if (!fmd::read_all_at(file_, header.data(), header.size(), 0) || !decode_header(header, file_id))
-    return kNotADatabase;
-  return check_roots(file_id);
-}
-
-// A damaged slot may be the newest: then what the other one calls free holds its data, and nobody may write.
-Status MasterFile::check_roots(std::uint64_t file_id) {
-  Root newest;
-  for (const std::int64_t page : {std::int64_t{1}, std::int64_t{2}}) {
-    RootBytes slot;
-    Root root;
-    if (!fmd::read_all_at(file_, slot.data(), slot.size(), page * kPageBytes)) return kNotADatabase;
-    if (slot == RootBytes{}) continue;
-    if (!decode_root(slot, file_id, root)) return kNotADatabase;
-    if (root.generation > newest.generation) newest = root;
-  }
-  if (newest.generation == 0) return kNotADatabase;
-  return newest.dictionary_bytes == 0 ? kOk : kNotSupported;
+  return locked.st_dev == named.st_dev && locked.st_ino == named.st_ino ? kOk : kLocked;
 }
 
 void MasterFile::close() {
+  writer_ = MasterWriter();
   if (file_ >= 0) fmd::file_system().close(file_);
   file_ = -1;
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "kdcdb/kdcdb.h"
+#include "kdcdb/master_writer.h"
 
 namespace kdcdb {
 
@@ -23,20 +24,26 @@ class MasterFile {
   // Makes the file under a name that nobody has yet, and locks it. A database that is to last is flushed.
   Status create(const char* path, bool lasting);
 
-  // Opens the file, locks it and checks header and roots.
+  // Opens the file, locks it and checks header, roots and dictionary.
   Status open(const char* path);
 
+  // Goes on with a file that is open and locked still, if the name means it still.
+  Status resume(const char* path);
+
+  // Gives the file up as it is: what has not been committed is lost.
   void close();
+
+  MasterWriter& writer() { return writer_; }
 
  private:
   Status create_unnamed(const char* path, bool lasting, int& error);
   Status create_under_another_name(char* other_name, const char* path, bool lasting);
   Status write_new(bool lasting);
   Status lock();
-  Status check(const char* path);
-  Status check_roots(std::uint64_t file_id);
+  Status check_name(const char* path);
 
   int file_ = -1;
+  MasterWriter writer_;
 };
 
 // The directory that a path names a file in.

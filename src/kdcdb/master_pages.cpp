@@ -1,8 +1,10 @@
 #include "kdcdb/master_pages.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "kdcdb/crc32c.h"
+#include "kdcdb/little_endian.h"
 
 namespace kdcdb {
 
@@ -17,35 +19,23 @@ constexpr std::int32_t kMachineLinux = 39;
 constexpr std::int32_t kNumericFormat = 2;  // 32-bit words, little-endian, IEEE reals
 constexpr std::int32_t kLayoutVersion = 1;
 
-constexpr int kOwnPart = 512;  // byte where the store's own fields begin
-constexpr int kHeaderCrc = kHeaderBytes - 4;
-constexpr int kRootCrc = kRootBytes - 4;
+constexpr std::size_t kOwnPart = 512;  // byte where the store's own fields begin
+constexpr std::size_t kHeaderCrc = kHeaderBytes - 4;
+constexpr std::size_t kRootCrc = kRootBytes - 4;
 constexpr char kHeaderMagic[] = "FMDSTORE";
 constexpr char kRootMagic[] = "FMDSROOT";
 constexpr std::size_t kMagicBytes = 8;
 
-template <typename T>
-void put(unsigned char* bytes, int offset, T value) {
-  std::memcpy(bytes + offset, &value, sizeof value);
-}
-
-template <typename T>
-T get(const unsigned char* bytes, int offset) {
-  T value;
-  std::memcpy(&value, bytes + offset, sizeof value);
-  return value;
-}
-
 void put_word(HeaderBytes& bytes, std::int32_t word, std::int32_t value) {
-  put(bytes.data(), 4 * word, value);
+  put(bytes.data(), 4 * static_cast<std::size_t>(word), value);
 }
 
 void put_text(HeaderBytes& bytes, std::int32_t word, const char* text) {
   std::memcpy(bytes.data() + 4 * word, text, std::strlen(text));
 }
 
-bool crc_matches(const unsigned char* bytes, int crc_offset) {
-  return crc32c(bytes, static_cast<std::size_t>(crc_offset)) == get<std::uint32_t>(bytes, crc_offset);
+bool crc_matches(const unsigned char* bytes, std::size_t crc_offset) {
+  return crc32c(bytes, crc_offset) == get<std::uint32_t>(bytes, crc_offset);
 }
 
 }  // namespace
@@ -98,6 +88,14 @@ RootBytes encode_root(const Root& root) {
   put(bytes.data(), 56, root.dictionary_crc);
   put(bytes.data(), kRootCrc, crc32c(bytes.data(), kRootCrc));
   return bytes;
+}
+
+RootPageBytes encode_root_page(const Root& root) {
+  RootPageBytes page{};
+  const RootBytes bytes = encode_root(root);
+  std::copy(bytes.begin(), bytes.end(), page.begin());
+  std::copy(bytes.begin(), bytes.end(), page.begin() + kSecondRoot);
+  return page;
 }
 
 bool decode_root(const RootBytes& bytes, std::uint64_t file_id, Root& root) {

@@ -15,6 +15,7 @@ constexpr std::int32_t kBufferWords = kPageBytes / 4;
 constexpr std::int32_t kBufferWordsLimit = 65536;
 constexpr int kHeaderBytes = 1024;
 constexpr int kRootBytes = 128;
+constexpr int kSecondRoot = kPageBytes / 2;  // place of a slot's second copy in its page
 constexpr std::int64_t kFirstFreePage = 3;
 
 using HeaderBytes = std::array<unsigned char, kHeaderBytes>;
@@ -38,6 +39,10 @@ bool decode_header(const HeaderBytes& bytes, std::uint64_t& file_id);
 
 RootBytes encode_root(const Root& root);
 bool decode_root(const RootBytes& bytes, std::uint64_t file_id, Root& root);
+
+// What a slot's page begins with: the root, zeros, and the root again.
+using RootPageBytes = std::array<unsigned char, kSecondRoot + kRootBytes>;
+RootPageBytes encode_root_page(const Root& root);
 
 // The slot that a generation is written to: page 1 or 2, in turns.
 constexpr std::int64_t root_page(std::uint64_t generation) {

@@ -9,7 +9,9 @@
 #include <string_view>
 
 #include "kdcdb/kdcdb.h"
+#include "kdcdb/links.h"
 #include "kdcdb/master_pages.h"
+#include "kdcdb/paths.h"
 #include "kdcdb/store.h"
 #include "kdcdb/system_status.h"
 #include "system/file_system.h"
@@ -18,10 +20,6 @@ namespace kdcdb {
 
 namespace {
 
-constexpr const char* kMasterSuffix = ".MASTER";
-constexpr const char* kDefaultSet = ".DBALL";
-constexpr const char* kTemporarySet = ".DBFMD";
-
 // Two processes that share a directory, and even a number of theirs, get names of their own.
 std::string unique_name(const char* directory) {
   std::uint32_t mark = 0;
@@ -29,49 +27,6 @@ std::string unique_name(const char* directory) {
   char name[40];
   std::snprintf(name, sizeof name, "fmd%ld_%08x", static_cast<long>(getpid()), static_cast<unsigned>(mark));
   return std::string(directory) + (std::strcmp(directory, "/") == 0 ? "" : "/") + name;
-}
-
-// A path on the stack, so that cleaning up needs no memory.
-class Path {
- public:
-  Path() { text_[0] = '\0'; }
-  Path(const char* base, const char* suffix) { std::snprintf(text_, sizeof text_, "%s%s", base, suffix); }
-  const char* text() const { return text_; }
-
-  // The real path of a directory.
-  Status resolve(const char* directory) {
-    char resolved[PATH_MAX];
-    if (fmd::file_system().realpath(directory, resolved) == nullptr) return status_of_error(errno);
-    std::memcpy(text_, resolved, std::strlen(resolved) + 1);
-    return kOk;
-  }
-
-  bool append(const char* name) {
-    const std::size_t length = std::strlen(text_);
-    const char* const separator = length == 1 ? "" : "/";
-    const int added = std::snprintf(text_ + length, sizeof text_ - length, "%s%s", separator, name);
-    return length + static_cast<std::size_t>(added) < PATH_MAX - kLongestSuffix;
-  }
-
- private:
-  static constexpr std::size_t kLongestSuffix = 16;
-  char text_[PATH_MAX + kLongestSuffix];
-};
-
-// The absolute form of a base name, whose files need not exist.
-Status resolve_base(const char* base, Path& absolute) {
-  const char* const slash = std::strrchr(base, '/');
-  const char* const name = slash == nullptr ? base : slash + 1;
-  if (*name == '\0' || std::strlen(base) >= PATH_MAX) return kBadArgument;
-  char directory[PATH_MAX] = ".";
-  if (slash != nullptr) {
-    const auto length = std::max<std::size_t>(static_cast<std::size_t>(slash - base), 1);
-    std::memcpy(directory, base, length);
-    directory[length] = '\0';
-  }
-  const Status status = absolute.resolve(directory);
-  if (status != kOk) return status;
-  return absolute.append(name) ? kOk : kBadArgument;
 }
 
 // The file suffix of a set that commands may name, or null.
@@ -100,28 +55,44 @@ bool is_set_command(const Command& command) {
          suffix_of_set(command[1].name) != nullptr;
 }
 
-// Whether a command can be run on a database; "restart" is legal and asks for nothing.
-Status check_command(const Command& command) {
-  if (is_set_command(command)) return kOk;
-  if (command[0].has_value || command[0].has_group) return kBadCommand;
+bool is_known_command(const Command& command) {
+  if (is_set_command(command)) return true;
+  if (command[0].has_value || command[0].has_group) return false;
   const std::string& verb = command[0].name;
-  if (verb == "restart") return command.size() == 1 ? kOk : kBadCommand;
-  if (verb == "assign" || verb == "dblocate" || verb == "undblocate")
-    return command.size() > 1 ? kNotSupported : kBadCommand;
-  return kBadCommand;
+  if (verb == "restart") return command.size() == 1;
+  return verb == "assign" || verb == "dblocate" || verb == "undblocate";
 }
 
 Status parse_checked(const char* text, std::vector<Command>& commands) {
-  Status status = parse_commands(text, commands);
-  for (std::size_t i = 0; i < commands.size() && status == kOk; ++i) status = check_command(commands[i]);
-  return status;
+  const Status status = parse_commands(text, commands);
+  if (status != kOk) return status;
+  return std::all_of(commands.begin(), commands.end(), is_known_command) ? kOk : kBadCommand;
 }
 
-Status run_commands(const char* base, const std::vector<Command>& commands) {
+// A set that is made is one that somebody comes back for; without it the database is done with.
+Status run_set_command(const Command& command) {
+  Store& state = store();
+  const Path path(state.base.c_str(), suffix_of_set(command[1].name));
+  const bool makes = command[0].name == "init";
+  if (command[1].name == "dbfmd") {
+    state.keeps_lock = makes && state.base != state.own_name;
+    if (!makes) state.forget_scratch(state.base);
+  }
+  return makes ? make_set(path) : remove_file(path);
+}
+
+// On the open database. "restart" asks for nothing: what a session knows of a database stays with it.
+Status run_command(const Command& command) {
+  const std::string& verb = command[0].name;
+  if (verb == "init" || verb == "dbsetdel") return run_set_command(command);
+  if (verb == "assign") return run_assign(command);
+  if (verb == "dblocate") return run_dblocate(command);
+  return verb == "undblocate" ? run_undblocate(command) : kOk;
+}
+
+Status run_commands(const std::vector<Command>& commands) {
   for (const Command& command : commands) {
-    if (!is_set_command(command)) continue;
-    const Path path(base, suffix_of_set(command[1].name));
-    const Status status = command[0].name == "init" ? make_set(path) : remove_file(path);
+    const Status status = run_command(command);
     if (status != kOk) return status;
   }
   return kOk;
@@ -145,23 +116,46 @@ bool is_lasting(const std::vector<Command>& commands) {
 
 Status create_database(const char* base, const std::vector<Command>& commands) {
   Store& state = store();
-  Status status = state.master.create(Path(base, kMasterSuffix).text(), is_lasting(commands));
+  auto master = std::make_unique<MasterFile>();
+  Status status = master->create(Path(base, kMasterSuffix).text(), is_lasting(commands));
   if (status != kOk) return status;
   status = make_set(Path(base, kDefaultSet));
-  if (status == kOk) status = run_commands(base, commands);
-  if (status == kOk) return kOk;
-  state.master.close();
-  remove_files(base);
+  if (status != kOk) {
+    master->close();
+    remove_files(base);
+    return status;
+  }
+  state.master = std::move(master);
+  return kOk;
+}
+
+// A lock that the session still holds is taken over, so that nobody writes between leaving and coming back.
+Status open_database(const char* base, const std::vector<Command>& /*commands*/) {
+  Store& state = store();
+  const Path path(base, kMasterSuffix);
+  const auto held = state.held.find(base);
+  if (held != state.held.end()) {
+    std::unique_ptr<MasterFile> master = std::move(held->second);
+    state.held.erase(held);
+    if (master->resume(path.text()) == kOk) {
+      state.master = std::move(master);
+      return kOk;
+    }
+  }
+  auto master = std::make_unique<MasterFile>();
+  const Status status = master->open(path.text());
+  if (status == kOk) state.master = std::move(master);
   return status;
 }
 
-Status open_database(const char* base, const std::vector<Command>& commands) {
+// Leaves the open database without a commit.
+void give_up_database(bool is_new) {
   Store& state = store();
-  Status status = state.master.open(Path(base, kMasterSuffix).text());
-  if (status != kOk) return status;
-  status = run_commands(base, commands);
-  if (status != kOk) state.master.close();
-  return status;
+  const std::string base = std::move(state.base);
+  state.base.clear();
+  state.keeps_lock = false;
+  state.master.reset();
+  if (is_new) remove_files(base.c_str());
 }
 
 using Opening = Status (*)(const char* base, const std::vector<Command>& commands);
@@ -177,10 +171,30 @@ Status begin_database(const char* base, const char* text, Opening opening) {
     if (status == kOk) status = resolve_base(base, absolute);
     if (status != kOk) return status;
     std::string name = absolute.text();
+    state.databases.try_emplace(name);
     status = opening(name.c_str(), commands);
-    if (status == kOk) state.base = std::move(name);
+    if (status != kOk) return status;
+    state.base = std::move(name);
+    state.keeps_lock = false;
+    try {
+      status = run_commands(commands);
+    } catch (const std::bad_alloc&) {
+      status = kNoMemory;
+    }
+    if (status != kOk) give_up_database(opening == create_database);
     return status;
   });
+}
+
+// A datablock whose writer is still at work when the database closes is none.
+void close_keys() {
+  for (auto& key : store().keys) {
+    if (key == nullptr) continue;
+    const bool unfinished = key->is_writing();
+    key->close();
+    if (unfinished) key->block()->abandon();
+    key.reset();
+  }
 }
 
 }  // namespace
@@ -214,13 +228,16 @@ Status DbaseCls() {
   Store& state = store();
   state.directory.clear();
   if (!state.is_open()) return kNoDatabase;
-  for (auto& key : state.keys) {
-    if (key != nullptr) key->close();
-    key.reset();
-  }
-  state.master.close();
+  close_keys();
+  const Status status = guarded([&]() -> Status {
+    const Status committed = state.master->writer().commit();
+    if (state.keeps_lock) state.held[state.base] = std::move(state.master);
+    return committed;
+  });
+  state.master.reset();
   state.base.clear();
-  return kOk;
+  state.keeps_lock = false;
+  return status;
 }
 
 Status GetDbName(const char* logical, char* name, std::size_t size, std::size_t* length) {
@@ -239,23 +256,19 @@ Status DeleteDatabase(const char* base) {
   if (status != kOk) return status;
   const std::string_view name = absolute.text();
   if (name == state.base) return kDatabaseOpen;
-  const auto found = state.scratch.find(name);
-  if (found != state.scratch.end()) {
-    for (const auto& block : found->second) state.end_keys_of(*block);
-    state.scratch.erase(found);
-  }
+  state.forget_scratch(name);
+  state.held.erase(std::string(name));
   if (state.scratch.empty()) state.cache.release_storage();
-  if (name == state.own_name) state.own_name.clear();
+  if (name == state.own_name) state.end_session();
   return remove_files(absolute.text());
 }
 
 Status FMSCommand(const char* text) {
   return guarded([&]() -> Status {
-    const Store& state = store();
-    if (!state.is_open()) return kNoDatabase;
+    if (!store().is_open()) return kNoDatabase;
     std::vector<Command> commands;
     const Status status = parse_checked(text, commands);
-    return status == kOk ? run_commands(state.base.c_str(), commands) : status;
+    return status == kOk ? run_commands(commands) : status;
   });
 }
 

@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include "kdcdb/kdcdb.h"
+#include "system/file_system.h"
 
 namespace kdcdb {
 
@@ -25,6 +26,13 @@ inline Status status_of_error(int error) {
     default:
       return kInputOutput;
   }
+}
+
+// Reads all bytes; a file that ends before is damaged.
+inline Status read_exactly(int file, void* to, std::size_t bytes, off_t offset) {
+  errno = 0;
+  if (fmd::read_all_at(file, to, bytes, offset)) return kOk;
+  return errno == 0 ? kDamaged : status_of_error(errno);
 }
 
 }  // namespace kdcdb

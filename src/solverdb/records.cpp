@@ -2,6 +2,8 @@
 //
 // A write primitive answers 1 as long as the store took the words and 0 when it could not, so that a full
 // disk is reported by whoever knows what was being written.
+#include "solverdb/records.h"
+
 #include <cstring>
 #include <memory>
 
@@ -139,3 +141,12 @@ int DB_WriteTrailer(const int* words) {
 int DB_ReadTrailer(int* words) {
   return kdcdb::Rdtrl(words) == kdcdb::kOk ? 1 : 0;
 }
+
+namespace fmd {
+
+std::int64_t words_left_in_record(const FmdStream& stream) {
+  std::int64_t words = 0;
+  return kdcdb::Remaining(stream.Block, &words) == kdcdb::kOk ? words : 0;
+}
+
+}  // namespace fmd

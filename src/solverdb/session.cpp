@@ -1,4 +1,6 @@
 // The process-wide session on the toolkit's own scratch database.
+#include "solverdb/session.h"
+
 #include <cstdlib>
 #include <new>
 #include <string>
@@ -55,25 +57,40 @@ kdcdb::Status make_scratch_database() {
 }
 
 bool start() {
-  Session& state = session();
-  if (PrepareSessionPaths() != 0) return false;
-  kdcdb::Status status = kdcdb::DbaseBst(state.message_file_path.c_str(), "./");
-  if (status != kdcdb::kOk) return false;
-  status = state.base_name.empty() ? make_scratch_database() : kdcdb::DbaseOld(state.base_name.c_str(), "");
-  if (status != kdcdb::kOk) return false;
-  return kdcdb::DbaseNdl(state.delivery_path.c_str()) == kdcdb::kOk;
-}
-
-// Closes the session's database and deletes the print file that goes with it.
-void close_database() {
-  char print_file[kNameBytes];
-  std::size_t length = 0;
-  const kdcdb::Status named = kdcdb::GetDbName("F06", print_file, sizeof print_file, &length);
-  kdcdb::DbaseCls();
-  if (named == kdcdb::kOk) fmd::file_system().unlink(print_file);
+  const Session& state = session();
+  if (fmd::begin_store_session() != 0) return false;
+  const kdcdb::Status status =
+      state.base_name.empty() ? make_scratch_database() : kdcdb::DbaseOld(state.base_name.c_str(), "");
+  return status == kdcdb::kOk && fmd::name_delivered_database() == kdcdb::kOk;
 }
 
 }  // namespace
+
+namespace fmd {
+
+int begin_store_session() {
+  const int prepared = PrepareSessionPaths();
+  return prepared != 0 ? prepared : kdcdb::DbaseBst(session().message_file_path.c_str(), "./");
+}
+
+kdcdb::Status name_delivered_database() {
+  return kdcdb::DbaseNdl(session().delivery_path.c_str());
+}
+
+kdcdb::Status close_database() {
+  char print_file[kNameBytes];
+  std::size_t length = 0;
+  const kdcdb::Status named = kdcdb::GetDbName("F06", print_file, sizeof print_file, &length);
+  const kdcdb::Status closed = kdcdb::DbaseCls();
+  if (named == kdcdb::kOk) fmd::file_system().unlink(print_file);
+  return closed;
+}
+
+const std::string& session_base_name() {
+  return session().base_name;
+}
+
+}  // namespace fmd
 
 int DB_StartBase(void) {
   Session& state = session();
@@ -90,7 +107,8 @@ void DB_TermBase(void) {
   Session& state = session();
   state.kadcdb_dir.clear();
   if (!state.started) return;
-  close_database();
+  DB_ResetBrowser();
+  fmd::close_database();
   kdcdb::DeleteDatabase(state.base_name.c_str());
   state.base_name.clear();
   state.started = false;

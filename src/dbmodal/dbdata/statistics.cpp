@@ -5,6 +5,7 @@
 
 #include "body/body.h"
 #include "dbmodal/dbdata/mode_peaks.h"
+#include "dbmodal/dbdata/mode_statistics.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
 
@@ -58,25 +59,6 @@ constexpr Statistic kVonMisesStress = {&FmdModeStatistics::MaxStressNode, &FmdMo
 constexpr Statistic kVonMisesStrain = {&FmdModeStatistics::MaxStrainNode, &FmdModeStatistics::MaxStrain,
                                        kStrain, find_largest_von_mises<kStrain>};
 
-bool read_record(const FmdBody& body, FmdModeStatistics& record) {
-  std::int32_t nodes[kValuesPerMode];
-  double values[kValuesPerMode];
-  if (DB_ReadINTs(body.DataFile, nodes, kValuesPerMode) == 0) return false;
-  record.MaxDisplacementNode = nodes[0];
-  record.MaxRotationNode = nodes[1];
-  record.MaxStressNode = nodes[2];
-  record.MaxStrainNode = nodes[3];
-  std::copy_n(nodes + 4, 9, record.OtherNodes);
-  if (DB_ReadDOUBLEs(body.DataFile, values, kValuesPerMode) == 0) return false;
-  const double length = body.UnitTotalFactor[kLength];
-  record.MaxDisplacement = values[0] * length;
-  record.MaxRotation = values[1];
-  record.MaxStress = values[2] * (body.UnitTotalFactor[kForce] / length / length);
-  record.MaxStrain = values[3];
-  std::copy_n(values + 4, 9, record.OtherValues);
-  return true;
-}
-
 // True also for a body whose dataset has none.
 bool read_statistics(FmdBody& body) {
   if (FMD_goto_block(&body, kStatisticsBlock) == 0) return true;
@@ -87,7 +69,7 @@ bool read_statistics(FmdBody& body) {
     return false;
   }
   for (int mode = 0; mode < count; ++mode)
-    if (!read_record(body, body.ModalStatistics[mode])) return false;
+    if (!read_statistics_record(body, body.ModalStatistics[mode])) return false;
   return true;
 }
 
@@ -132,6 +114,25 @@ int get_statistic(FmdBody* body, int mode, const Statistic& statistic, int* node
 }
 
 }  // namespace
+
+bool read_statistics_record(const FmdBody& body, FmdModeStatistics& record) {
+  std::int32_t nodes[kValuesPerMode];
+  double values[kValuesPerMode];
+  if (DB_ReadINTs(body.DataFile, nodes, kValuesPerMode) == 0) return false;
+  record.MaxDisplacementNode = nodes[0];
+  record.MaxRotationNode = nodes[1];
+  record.MaxStressNode = nodes[2];
+  record.MaxStrainNode = nodes[3];
+  std::copy_n(nodes + 4, 9, record.OtherNodes);
+  if (DB_ReadDOUBLEs(body.DataFile, values, kValuesPerMode) == 0) return false;
+  const double length = body.UnitTotalFactor[kLength];
+  record.MaxDisplacement = values[0] * length;
+  record.MaxRotation = values[1];
+  record.MaxStress = values[2] * (body.UnitTotalFactor[kForce] / length / length);
+  record.MaxStrain = values[3];
+  std::copy_n(values + 4, 9, record.OtherValues);
+  return true;
+}
 
 }  // namespace fmd
 

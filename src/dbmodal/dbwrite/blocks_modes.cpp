@@ -6,6 +6,7 @@
 #include "dbmodal/dbwrite/job.h"
 #include "dbmodal/dbwrite/mode_source.h"
 #include "dbmodal/dbwrite/mode_words.h"
+#include "dbmodal/dbwrite/record_form.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 
 namespace fmd {
@@ -64,7 +65,7 @@ bool write_shape(WriteJob& job, ModeSource& source, int exported) {
   const int nodes = source.node_count();
   if (is_zero(rows, nodes)) FMD_Warning("The mode shape for mode %d has only zero entries\n", number);
   Peaks peaks;
-  put_mode_word(job, number);
+  put_mode_word(job, kShape, exported);
   put_shape(job, rows, nodes, peaks);
   peaks.keep(job.body, job.body->ModalStatistics[job.first_mode + exported]);
   return job.sink->ok();
@@ -72,9 +73,10 @@ bool write_shape(WriteJob& job, ModeSource& source, int exported) {
 
 }  // namespace
 
-void put_mode_word(WriteJob& job, int number) {
+void put_mode_word(WriteJob& job, int type, int exported) {
+  if (job.record != nullptr) job.record->note_mode(*job.sink, type, exported);
   if (job.level() == 10) return;
-  job.sink->put_int(job.level() == 20 ? 0 : number);
+  job.sink->put_int(job.level() == 20 ? 0 : job.mode_number(exported));
 }
 
 bool is_zero(const double* rows, int nodes) {

@@ -170,7 +170,7 @@ bool write_modes(WriteJob& job, const Kind& kind) {
     const int number = job.mode_number(mode);
     const double* const rows = source.fetch(number);
     if (rows == nullptr) return false;
-    put_mode_word(job, number);
+    put_mode_word(job, kind.type, mode);
     put_rows(job, selection, rows, source.node_count());
     keep_largest(job, kind, mode, rows, selection);
     if (is_zero(rows, source.node_count())) FMD_Warning(kind.zero_mode, number);

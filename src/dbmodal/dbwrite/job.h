@@ -15,9 +15,12 @@
 
 namespace fmd {
 
+class RecordForm;
+
 struct WriteJob {
   FmdBody* body = nullptr;
   Sink* sink = nullptr;
+  RecordForm* record = nullptr;  // of a datablock; null for a plain file
   WriteOptions options;
   std::uint32_t version = 0;  // as chosen, before the coarsened bit
   char summary[kSummaryBytes] = {};

@@ -6,8 +6,9 @@
 
 namespace fmd {
 
-// The word before a mode's values: none at level 10, one of no meaning at level 20, else the mode number.
-void put_mode_word(WriteJob& job, int number);
+// The word before a mode's values: none at level 10, one of no meaning at level 20, else the mode number. The
+// record form notes its place.
+void put_mode_word(WriteJob& job, int type, int exported);
 
 // True for a vector of six values a node that holds nothing but zeros.
 bool is_zero(const double* rows, int nodes);

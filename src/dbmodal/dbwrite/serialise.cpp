@@ -1,21 +1,28 @@
 #include "dbmodal/dbwrite/serialise.h"
 
 #include "dbmodal/block_table.h"
+#include "dbmodal/dbwrite/record_form.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 
 namespace fmd {
 
 namespace {
 
+void begin_block(WriteJob& job, const Block& block) {
+  if (job.record != nullptr) job.record->begin_block(*job.sink, block.number);
+}
+
 // A block whose bytes do not arrive has failed, whatever its writer saw.
 void finish_block(WriteJob& job, const Block& block, bool written) {
-  job.ok = job.ok && written && job.sink->drain();
+  job.ok =
+      job.ok && written && (job.record != nullptr ? job.record->end_block(*job.sink) : job.sink->drain());
   if (!job.ok) FMD_Error("%s", block.write_failure);
 }
 
 void write_version(WriteJob& job) {
   const std::uint32_t coarsened = job.body->Coarsened != 0 ? kVersionCoarsened : 0;
-  job.sink->put_int(static_cast<std::int32_t>(job.version | coarsened));
+  const std::uint32_t table = job.record != nullptr ? kVersionHasTable : 0;
+  job.sink->put_int(static_cast<std::int32_t>(job.version | coarsened | table));
 }
 
 void write_header(WriteJob& job) {
@@ -64,9 +71,13 @@ constexpr ContentLine kContentLines[] = {{"Nodal Coords", kNodalCoordinates, fal
 }  // namespace
 
 void write_version_and_header(WriteJob& job) {
-  if (job.ok) write_version(job);
+  if (job.ok) {
+    begin_block(job, block_table()[0]);
+    write_version(job);
+  }
   finish_block(job, block_table()[0], true);
   if (!job.ok) return;
+  begin_block(job, block_table()[1]);
   write_header(job);
   finish_block(job, block_table()[1], true);
 }
@@ -82,13 +93,19 @@ void report_content(const WriteJob& job) {
 void write_content(WriteJob& job) {
   // A byte says present or not, whatever value the body keeps in it.
   for (char& byte : job.summary) byte = byte != 0 ? 1 : 0;
+  if (job.record != nullptr) job.ok = job.record->provide_modes(job);
+  begin_block(job, block_table()[2]);
   job.sink->put_chars(job.summary, sizeof job.summary);
   finish_block(job, block_table()[2], true);
   for (const Block& block : block_table()) {
     if (!job.ok) return;
     if (block.summary_byte == kAlwaysPresent || job.summary[block.summary_byte] == 0) continue;
+    begin_block(job, block);
     finish_block(job, block, block.write(job));
   }
+  if (!job.ok || job.record == nullptr || job.record->write_positions(job)) return;
+  FMD_Error("Problem writing the positions of the blocks.");
+  job.ok = false;
 }
 
 }  // namespace fmd

@@ -72,6 +72,8 @@ void Sink::put_reals(const double* values, std::size_t count) {
 
 void Sink::put_chars(const char* text, std::size_t count) {
   put(text, count, encoding_.xdr ? 4 : 1, encoding_.xdr ? xdr::encode_chars : copy_items<char>);
+  constexpr char kFiller[4] = {};
+  if (encoding_.whole_words) put(kFiller, (4 - count % 4) % 4, 1, copy_items<char>);
 }
 
 bool Sink::drain() {

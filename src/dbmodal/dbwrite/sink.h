@@ -13,6 +13,7 @@ namespace fmd {
 struct Encoding {
   bool xdr = true;
   bool single_precision = false;
+  bool whole_words = false;  // texts are filled up with zero bytes to whole words
 };
 
 // What takes the encoded bytes: all that differs between a plain file and other stores.

@@ -395,6 +395,10 @@ int DB_write_FMD(FmdBody* body, char* path) {
   return FMD_write_FMD(body, path);
 }
 
+int DB_write_DB(FmdBody* body, char* path, char* qualifiers) {
+  return FMD_write_DB(body, path, qualifiers);
+}
+
 int DB_Version(FmdBody* body) {
   return FMD_Version(body);
 }
@@ -507,6 +511,14 @@ void DB_SetShouldMassNormalizeModes(FmdBody* body, int flag) {
   FMD_SetShouldMassNormalizeModes(body, flag);
 }
 
+FmdBody* DB_CreateFromFileByIndex(char* fileName, int index) {
+  return FMD_CreateFromFMD(fileName, index);
+}
+
+FmdBody* DB_CreateFromFileByIndex_SurfaceMesh(char* fileName, int index) {
+  return FMD_CreateFromFMD_SurfaceMesh(fileName, index);
+}
+
 int DB_IsValid(FmdBody* body) {
   return FMD_IsValid(body);
 }
@@ -590,6 +602,15 @@ int DB_GetFreeEdgeSize(FmdBody* body, int chain) {
 
 int DB_GetFreeEdge(FmdBody* body, int chain, int* out) {
   return FMD_GetFreeEdge(body, chain, out);
+}
+
+void DB_PermuteFMD(FmdBody* body, double* origin, int modeCount, double massScale, double* transform,
+                   double* rotation) {
+  FMD_PermuteFMD(body, origin, modeCount, massScale, transform, rotation);
+}
+
+int DB_PreprocessBAPFMD(FmdBody* body) {
+  return FMD_PreprocessBAPFMD(body);
 }
 
 int DB_SetMatrixOperatorInfo(FmdBody* body, char* name, char** labels, int rowCount) {

@@ -1,0 +1,102 @@
+// The dictionary as text: a line of column names, an underline, and a line for each datablock.
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+#include "kdcdb/store.h"
+
+namespace kdcdb {
+
+namespace {
+
+constexpr const char* kLabelColumn = "SELABEL";
+
+// Column numbers: -1 for the label, else that of the qualifier.
+constexpr int kLabel = -1;
+
+struct Column {
+  int number = kLabel;
+  std::string title;
+};
+
+Status read_columns(const Item& select, std::vector<Column>& columns) {
+  for (const Entry& entry : select.group) {
+    Column column;
+    column.number = entry.name == "selabel" ? kLabel : qualifier_number(entry.name);
+    if (column.number == kLabel && entry.name != "selabel") return kBadCommand;
+    column.title = column.number == kLabel ? kLabelColumn : kQualifierNames[column.number];
+    columns.push_back(std::move(column));
+  }
+  return columns.empty() ? kBadCommand : kOk;
+}
+
+std::string cell(const Qualifiers& qualifiers, const Column& column) {
+  if (column.number != kLabel)
+    return std::to_string(qualifiers.numbers[static_cast<std::size_t>(column.number)]);
+  return "'" + qualifiers.label + "'";
+}
+
+void add_line(const std::vector<std::string>& cells, const std::vector<std::size_t>& widths,
+              std::string& text) {
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    text += cells[i];
+    if (i + 1 < cells.size()) text.append(widths[i] - cells[i].size() + 1, ' ');
+  }
+  text += '\n';
+}
+
+std::string format(const std::vector<Column>& columns, const std::vector<Link>& rows) {
+  std::vector<std::vector<std::string>> lines(1);
+  for (const Column& column : columns) lines[0].push_back(column.title);
+  for (const Link& row : rows) {
+    std::vector<std::string> cells;
+    for (const Column& column : columns) cells.push_back(cell(row.qualifiers, column));
+    lines.push_back(std::move(cells));
+  }
+  std::vector<std::size_t> widths(columns.size());
+  std::size_t length = columns.size() - 1;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    for (const auto& line : lines) widths[i] = std::max(widths[i], line[i].size());
+    length += widths[i];
+  }
+  std::string text;
+  add_line(lines[0], widths, text);
+  text.append(length, '-');
+  text += '\n';
+  for (std::size_t i = 1; i < lines.size(); ++i) add_line(lines[i], widths, text);
+  return text;
+}
+
+// "dbdict datablk(name) where(...) select(column,...)"
+Status list(const char* command_text, std::string& text) {
+  const Store& state = store();
+  if (!state.is_open()) return kNoDatabase;
+  Command command;
+  Selection selection;
+  Status status = parse_single(command_text, command);
+  if (status != kOk) return status;
+  if (command.size() != 4 || command[0].name != "dbdict" || !is_group(command[3], "select"))
+    return kBadCommand;
+  std::vector<Column> columns;
+  status = read_selection(command, 1, selection);
+  if (status == kOk) status = read_columns(command[3], columns);
+  if (status != kOk) return status;
+
+  std::vector<Link> rows;
+  status = find_matches(selection, rows);
+  if (status == kOk && !rows.empty()) text = format(columns, rows);
+  return status;
+}
+
+}  // namespace
+
+int GetDbdict(const char* command, char* buffer, std::size_t size) {
+  std::string text;
+  const Status status = guarded([&] { return list(command, text); });
+  if (status != kOk) return -status;
+  if (text.size() >= size) return static_cast<int>(text.size());
+  std::memcpy(buffer, text.c_str(), text.size() + 1);
+  return 0;
+}
+
+}  // namespace kdcdb

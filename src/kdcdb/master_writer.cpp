@@ -1,0 +1,146 @@
+#include "kdcdb/master_writer.h"
+
+#include <algorithm>
+
+#include "kdcdb/crc32c.h"
+#include "kdcdb/master_file.h"
+#include "kdcdb/system_status.h"
+#include "system/file_system.h"
+
+namespace kdcdb {
+
+namespace {
+
+// Asks without taking the lock, so that no reader is turned away.
+bool has_readers(int file) {
+  struct flock range {};
+  range.l_type = F_WRLCK;
+  range.l_whence = SEEK_SET;
+  range.l_start = kReaderLockByte;
+  range.l_len = 1;
+  return fmd::file_system().lock(file, F_OFD_GETLK, &range) != 0 || range.l_type != F_UNLCK;
+}
+
+bool is_damaged(const RootSlot& slot) {
+  return slot.state == SlotState::kDamaged;
+}
+
+void add_root(const Root& root, const std::vector<StoredEntry>& entries, std::vector<Extent>& in_use) {
+  const std::vector<Extent> extents = occupied_extents(entries);
+  in_use.insert(in_use.end(), extents.begin(), extents.end());
+  if (root.dictionary_bytes > 0) in_use.push_back(dictionary_extent(root));
+}
+
+std::uint64_t end_of(const std::vector<StoredEntry>& entries, const Extent& dictionary) {
+  std::uint64_t end = std::max<std::uint64_t>(kFirstFreePage, dictionary.page + dictionary.pages);
+  for (const Extent& extent : occupied_extents(entries)) end = std::max(end, extent.page + extent.pages);
+  return end;
+}
+
+}  // namespace
+
+Status MasterWriter::begin(int file) {
+  MasterContent content;
+  Status status = read_master_content(file, content);
+  if (status != kOk) return status;
+  const Root* const newest = content.newest();
+  if (newest == nullptr || std::any_of(content.slots.begin(), content.slots.end(), is_damaged))
+    return newest == nullptr ? kNotADatabase : kDamaged;
+  status = read_dictionary(file, content, *newest, entries_);
+  if (status != kOk) return status;
+
+  file_ = file;
+  root_ = *newest;
+  const Root* const older = content.older();
+  old_end_ = older == nullptr ? 0 : older->end_page;
+  std::vector<StoredEntry> old_entries;
+  const bool older_known = older == nullptr || read_dictionary(file, content, *older, old_entries) == kOk;
+  // A reader may hold a state older than both roots, and where the older one cannot be read nobody knows
+  // what is its own: then only the end of the file is free.
+  if (has_readers(file) || !older_known) {
+    const std::uint64_t end = std::max({root_.end_page, old_end_, content.file_pages + 1});
+    allocator_ = PageAllocator({}, end, end);
+    return kOk;
+  }
+  std::vector<Extent> in_use;
+  add_root(root_, entries_, in_use);
+  if (older != nullptr) add_root(*older, old_entries, in_use);
+  allocator_ = PageAllocator(std::move(in_use), kFirstFreePage, std::max(root_.end_page, old_end_));
+  return kOk;
+}
+
+std::shared_ptr<NewBlock> MasterWriter::create_block(const Qualifiers& qualifiers) {
+  new_blocks_.push_back(std::make_shared<NewBlock>(file_, allocator_, qualifiers, root_.next_serial));
+  ++root_.next_serial;
+  return new_blocks_.back();
+}
+
+Status MasterWriter::add_entries(std::vector<StoredEntry>& entries) {
+  for (const auto& block : new_blocks_) {
+    if (!block->is_complete()) continue;
+    StoredEntry entry;
+    const Status status = block->store_directory(entry);
+    if (status != kOk) return status;
+    const auto same = std::find_if(entries.begin(), entries.end(), [&](const StoredEntry& other) {
+      return other.qualifiers == entry.qualifiers;
+    });
+    if (same == entries.end()) {
+      entries.push_back(std::move(entry));
+    } else {
+      *same = std::move(entry);
+    }
+  }
+  return kOk;
+}
+
+Status MasterWriter::write_dictionary(const std::vector<StoredEntry>& entries, Root& root) {
+  std::vector<unsigned char> bytes = encode_dictionary(entries);
+  root.dictionary_bytes = bytes.size();
+  root.dictionary_crc = crc32c(bytes.data(), bytes.size());
+  bytes.resize(pages_of_bytes(bytes.size()) * kPageBytes);
+  const Extent place = allocator_.take_run(bytes.size() / kPageBytes);
+  root.dictionary_page = place.page;
+  root.end_page = end_of(entries, place);
+  const auto offset = static_cast<off_t>(place.page * kPageBytes);
+  return fmd::write_all_at(file_, bytes.data(), bytes.size(), offset) ? kOk : status_of_error(errno);
+}
+
+Status MasterWriter::switch_root(const Root& root) {
+  fmd::FileSystem& system = fmd::file_system();
+  if (system.fdatasync(file_) != 0) return status_of_error(errno);
+  const RootPageBytes page = encode_root_page(root);
+  if (!fmd::write_all_at(file_, page.data(), page.size(), root_page(root.generation) * kPageBytes))
+    return status_of_error(errno);
+  return system.fdatasync(file_) == 0 ? kOk : status_of_error(errno);
+}
+
+// Not while somebody reads what only a state before these roots knows.
+void MasterWriter::cut_back(const Root& newest) {
+  if (has_readers(file_)) return;
+  const std::uint64_t end = std::max(newest.end_page, old_end_);
+  fmd::file_system().ftruncate(file_, static_cast<off_t>(end * kPageBytes));
+}
+
+Status MasterWriter::commit() {
+  const bool has_work = std::any_of(new_blocks_.begin(), new_blocks_.end(),
+                                    [](const auto& block) { return block->is_complete(); });
+  const bool had_blocks = !new_blocks_.empty();
+  Status status = kOk;
+  Root root = root_;
+  if (has_work) {
+    std::vector<StoredEntry> entries = entries_;
+    ++root.generation;
+    status = add_entries(entries);
+    if (status == kOk) status = write_dictionary(entries, root);
+    if (status == kOk) status = switch_root(root);
+  }
+  new_blocks_.clear();
+  if (status == kOk && has_work) {
+    old_end_ = root_.end_page;
+    root_ = root;
+  }
+  if (had_blocks) cut_back(root_);
+  return status;
+}
+
+}  // namespace kdcdb

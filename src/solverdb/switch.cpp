@@ -1,0 +1,204 @@
+// The switch of the session to another database and back, which storing a body needs: only the body that is
+// being stored has open datablocks meanwhile.
+#include <fcntl.h>
+
+#include <new>
+#include <string>
+
+#include "body/body.h"
+#include "body/body_list.h"
+#include "fmdtoolkit/fmdtoolkit.h"
+#include "solverdb/datablocks.h"
+#include "solverdb/session.h"
+#include "system/file_system.h"
+
+namespace {
+
+using kdcdb::Status;
+
+constexpr const char* kMasterSuffix = ".MASTER";
+
+int writeSerial = 0;
+
+void close_blocks(const FmdBody& body) {
+  if (body.DataFile.Block != 0) kdcdb::Close(body.DataFile.Block, 1);
+  for (const FmdStream& stream : body.ModeFile) {
+    if (stream.Block != 0 && stream.IsScratch == 1) kdcdb::Close(stream.Block, 1);
+  }
+}
+
+std::string base_of(const char* path) {
+  const std::string text = path;
+  return text.substr(0, text.rfind(kMasterSuffix));
+}
+
+bool can_be_read(const char* path) {
+  const int file = fmd::file_system().open(path, O_RDONLY, 0);
+  if (file < 0) return false;
+  fmd::file_system().close(file);
+  return true;
+}
+
+bool begin_on(const std::string& base, const std::string& commands) {
+  return fmd::begin_store_session() == 0 && kdcdb::DbaseOld(base.c_str(), commands.c_str()) == kdcdb::kOk &&
+         fmd::name_delivered_database() == kdcdb::kOk;
+}
+
+// The target becomes the open database; one that is not there is made.
+bool begin_on_target(char* path) {
+  if (fmd::begin_store_session() != 0) return false;
+  const std::string base = base_of(path);
+  Status status;
+  if (can_be_read(path)) {
+    if (DB_CheckDBset(path) != 0) return false;
+    status = kdcdb::DbaseOld(base.c_str(), "init dbfmd");
+  } else {
+    status = kdcdb::DbaseNew(base.c_str(), "init dbfmd;dbsetdel dball");
+  }
+  return status == kdcdb::kOk && fmd::name_delivered_database() == kdcdb::kOk;
+}
+
+std::string link_scratch_database(const char* path) {
+  return "assign dbtmp" + std::to_string(writeSerial) + "='" + path + "'";
+}
+
+std::string locate(const char* name, int mark) {
+  return "dblocate logical=dbtmp" + std::to_string(writeSerial) + ' ' + fmd::select_by_mark(name, mark);
+}
+
+struct Texts {
+  const char* name;
+  const char* not_one;
+  const char* not_opened;
+};
+
+constexpr Texts kStored = {"fmddb", "%d datablocks are assigned.", "Cannot open the datablock, %d."};
+constexpr Texts kScratch = {"fmdtmp", "%d temporary datablocks are assigned.",
+                            "Cannot open the temporary datablock, %d."};
+
+// The new key of a datablock that has been located before; 0 with a message. More than one is an error only
+// where the caller counts exactly.
+int open_again(const Texts& texts, int mark, bool exactly_one) {
+  int key = 0;
+  int count = 0;
+  kdcdb::AllocDatablk(fmd::select_by_mark(texts.name, mark).c_str(), &key, &count);
+  if (count < 1 || (exactly_one && count != 1)) {
+    FMD_Error(texts.not_one, count);
+    return 0;
+  }
+  const Status status = kdcdb::Gopen(key, kdcdb::kOpenExisting);
+  if (status == kdcdb::kOk) return key;
+  FMD_Error(texts.not_opened, static_cast<int>(status));
+  return 0;
+}
+
+bool bring_along_dataset(FmdBody& body) {
+  FmdStream& stream = body.DataFile;
+  if (stream.Block == 0) return true;
+  if (fmd::run_command(fmd::assign_opened(stream.Key, stream.Name)) != kdcdb::kOk) return false;
+  if (fmd::run_command(locate(kStored.name, stream.Key)) != kdcdb::kOk) return false;
+  stream.Block = open_again(kStored, stream.Key, true);
+  return stream.Block != 0;
+}
+
+bool bring_along_modes(FmdBody& body) {
+  for (FmdStream& stream : body.ModeFile) {
+    if (stream.Block == 0) continue;
+    if (stream.IsScratch != 1) {
+      stream.Block = body.DataFile.Block;
+      continue;
+    }
+    if (fmd::run_command(locate(kScratch.name, stream.Key)) != kdcdb::kOk) return false;
+    stream.Block = open_again(kScratch, stream.Key, true);
+    if (stream.Block == 0) return false;
+  }
+  return true;
+}
+
+bool start_write(FmdBody* body, char* path) {
+  for (const FmdBody* other = fmd::first_body(); other != nullptr; other = other->Next) close_blocks(*other);
+  fmd::close_database();
+  if (!begin_on_target(path)) return false;
+  ++writeSerial;
+  const std::string scratch_master = fmd::session_base_name() + kMasterSuffix;
+  if (fmd::run_command(link_scratch_database(scratch_master.c_str())) != kdcdb::kOk) return false;
+  return bring_along_dataset(*body) && bring_along_modes(*body);
+}
+
+std::string restart_text() {
+  std::string text = "restart";
+  for (const FmdBody* body = fmd::first_body(); body != nullptr; body = body->Next) {
+    if (body->DataFile.Block != 0) text += ';' + fmd::assign_opened(body->DataFile.Key, body->DataFile.Name);
+  }
+  return text;
+}
+
+// What was made on the target for the body comes along to the session's own database.
+bool take_scratch_home(const FmdBody& body, const char* path) {
+  ++writeSerial;
+  if (fmd::run_command(link_scratch_database(path)) != kdcdb::kOk) return false;
+  for (const FmdStream& stream : body.ModeFile) {
+    if (stream.Block == 0 || stream.IsScratch != 1) continue;
+    if (fmd::run_command(locate(kScratch.name, stream.Key) + " copy") != kdcdb::kOk) return false;
+  }
+  return fmd::run_command("undblocate logical=dbtmp" + std::to_string(writeSerial)) == kdcdb::kOk;
+}
+
+bool clean_target(const char* path) {
+  const std::string base = base_of(path);
+  if (!begin_on(base, "dbsetdel dbfmd")) return false;
+  const bool closed = fmd::close_database() == kdcdb::kOk;
+  fmd::file_system().unlink((base + ".DBFMD").c_str());
+  return closed;
+}
+
+bool reopen_blocks(FmdBody& body) {
+  FmdStream& data = body.DataFile;
+  if (data.Block != 0) {
+    data.Block = open_again(kStored, data.Key, false);
+    if (data.Block == 0) return false;
+  }
+  for (FmdStream& stream : body.ModeFile) {
+    if (stream.Block == 0) continue;
+    stream.Block = stream.IsScratch == 1 ? open_again(kScratch, stream.Key, false) : data.Block;
+    if (stream.IsScratch == 1 && stream.Block == 0) return false;
+  }
+  return true;
+}
+
+bool term_write(const FmdBody* body, const char* path) {
+  close_blocks(*body);
+  // Closing the target commits what was stored.
+  const Status status = fmd::run_command("undblocate logical=*");
+  if (status != kdcdb::kOk) return false;
+  if (fmd::close_database() != kdcdb::kOk) {
+    FMD_Error("Problem closing %s.", path);
+    return false;
+  }
+  const std::string restart = restart_text();
+  if (!begin_on(fmd::session_base_name(), restart) || !take_scratch_home(*body, path)) return false;
+  if (fmd::close_database() != kdcdb::kOk || !clean_target(path)) return false;
+  if (!begin_on(fmd::session_base_name(), restart)) return false;
+  for (FmdBody* other = fmd::first_body(); other != nullptr; other = other->Next) {
+    if (!reopen_blocks(*other)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+int DB_StartWrite(FmdBody* body, char* path) {
+  try {
+    return start_write(body, path) ? 1 : 0;
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
+}
+
+int DB_TermWrite(FmdBody* body, char* path) {
+  try {
+    return term_write(body, path) ? 1 : 0;
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
+}
