@@ -63,7 +63,8 @@ Status read_master_content(int file, MasterContent& content) {
   content.file_pages = static_cast<std::uint64_t>(status.st_size) / kPageBytes;
   HeaderBytes header;
   Status read = read_exactly(file, header.data(), header.size(), 0);
-  if (read == kDamaged || (read == kOk && !decode_header(header, content.file_id))) return kNotADatabase;
+  if (read == kDamaged) return kNotADatabase;
+  if (read == kOk) read = decode_header(header, content.file_id);
   if (read != kOk) return read;
   for (const std::int64_t page : {1, 2}) {
     for (const int copy : {0, kSecondRoot}) {

@@ -29,7 +29,7 @@ struct MasterContent {
   const Root* older() const;
 };
 
-// kNotADatabase for a file that has no header of ours or is too short for its roots.
+// kNotADatabase for a file that has no header of ours, kDamaged for one that is too short for its roots.
 Status read_master_content(int file, MasterContent& content);
 
 // The entries that a root leads to; none for an empty database.

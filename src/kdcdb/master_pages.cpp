@@ -67,13 +67,14 @@ HeaderBytes encode_header(std::uint64_t file_id, const std::tm& created) {
   return bytes;
 }
 
-bool decode_header(const HeaderBytes& bytes, std::uint64_t& file_id) {
+Status decode_header(const HeaderBytes& bytes, std::uint64_t& file_id) {
   const unsigned char* const own = bytes.data() + kOwnPart;
-  if (std::memcmp(own, kHeaderMagic, kMagicBytes) != 0 || !crc_matches(bytes.data(), kHeaderCrc))
-    return false;
-  if (get<std::int32_t>(own, 8) != kLayoutVersion || get<std::int32_t>(own, 12) != kPageBytes) return false;
+  if (std::memcmp(own, kHeaderMagic, kMagicBytes) != 0) return kNotADatabase;
+  if (!crc_matches(bytes.data(), kHeaderCrc)) return kDamaged;
+  if (get<std::int32_t>(own, 8) != kLayoutVersion || get<std::int32_t>(own, 12) != kPageBytes)
+    return kNotADatabase;
   file_id = get<std::uint64_t>(own, 16);
-  return true;
+  return kOk;
 }
 
 RootBytes encode_root(const Root& root) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <ctime>
 
+#include "kdcdb/kdcdb.h"
 #include "kdcdb/page_cache.h"
 
 namespace kdcdb {
@@ -34,8 +35,8 @@ struct Root {
 
 HeaderBytes encode_header(std::uint64_t file_id, const std::tm& created);
 
-// False for bytes that are damaged or of another kind of file.
-bool decode_header(const HeaderBytes& bytes, std::uint64_t& file_id);
+// kNotADatabase for a file of another kind or layout, kDamaged for one of ours whose header is.
+Status decode_header(const HeaderBytes& bytes, std::uint64_t& file_id);
 
 RootBytes encode_root(const Root& root);
 bool decode_root(const RootBytes& bytes, std::uint64_t file_id, Root& root);

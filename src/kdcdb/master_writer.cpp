@@ -45,7 +45,7 @@ Status MasterWriter::begin(int file) {
   if (status != kOk) return status;
   const Root* const newest = content.newest();
   if (newest == nullptr || std::any_of(content.slots.begin(), content.slots.end(), is_damaged))
-    return newest == nullptr ? kNotADatabase : kDamaged;
+    return kDamaged;
   status = read_dictionary(file, content, *newest, entries_);
   if (status != kOk) return status;
 

@@ -51,7 +51,7 @@ bool StoredFile::is_state(const MasterContent& content) const {
 
 // A commit may have been cut short behind its root: then the state before it is still whole.
 Status StoredFile::read_newest(const MasterContent& content) {
-  Status status = kNotADatabase;
+  Status status = kDamaged;
   for (const Root* root : {content.newest(), content.older()}) {
     if (root == nullptr) continue;
     root_ = *root;

@@ -103,7 +103,6 @@ TEST_F(DatabaseTest, BadNamesAndCommandsOpenNothing) {
        {"init", "init dbxyz", "init=dbfmd", "dbsetdel master", "init dbfmd extra", "restart now", "nonsense",
         "init(dbfmd)", "assign", "dbcreate datablk=(fmdtmp) quals(highqual=1)", "a="})
     EXPECT_EQ(kdcdb::DbaseNew(base().c_str(), command), kdcdb::kBadCommand) << command;
-  EXPECT_EQ(kdcdb::DbaseNew(base().c_str(), "assign x='y'"), kdcdb::kNotSupported);
   EXPECT_EQ(kdcdb::DbaseNew("", ""), kdcdb::kBadArgument);
   EXPECT_EQ(kdcdb::DbaseNew("missing/base", ""), kdcdb::kNoFile);
   EXPECT_EQ(kdcdb::DbaseOld(base().c_str(), ""), kdcdb::kNoFile);
@@ -169,26 +168,14 @@ TEST_F(DatabaseTest, NonsensicalDatablockCommandsAreRefused) {
        {"", "dbdict", "dbdict datablk(fmddb) where(highqual=1)", "dbdict datablk(fmddb) select(a)",
         "list datablk(fmddb) where() select(a)", "dbdict datablk(x) where() select(a)"})
     EXPECT_EQ(kdcdb::GetDbdict(command, nullptr, 0), -kdcdb::kBadCommand) << command;
-  EXPECT_EQ(kdcdb::FMSCommand("dbcreate datablk=(fmdtmp) quals(highqual=1)"), kdcdb::kBadCommand);
-}
-
-TEST_F(DatabaseTest, StoredDatablocksAreNotYetThere) {
-  open_new();
-  int key = 7;
-  EXPECT_EQ(kdcdb::CreateDatablk("dbcreate datablk=(fmddb) quals(selabel='a';projno=1)", &key),
-            kdcdb::kNotSupported);
-  EXPECT_EQ(key, 0);
-  EXPECT_EQ(kdcdb::FMSCommand("assign dbalc1='/x.MASTER'"), kdcdb::kNotSupported);
-  EXPECT_EQ(kdcdb::FMSCommand("dblocate logical=dbalc1 datablk=(fmddb) where(projno=*)"),
-            kdcdb::kNotSupported);
-  EXPECT_EQ(kdcdb::FMSCommand("undblocate logical=*"), kdcdb::kNotSupported);
-  alloc("datablk=(fmddb) where(projno=* and version=* and highqual=1 and wildcard=true)", 0);
-  char text[4] = "abc";
-  EXPECT_EQ(kdcdb::GetDbdict(
-                "dbdict datablk(fmddb) where(highqual=-1) select(selabel,projno='projno',version='version')",
-                text, sizeof text),
-            0);
-  EXPECT_STREQ(text, "");
+  for (const char* text :
+       {"dbcreate datablk=(fmdtmp) quals(highqual=1)", "assign", "assign x", "assign x=''", "assign x='y' z",
+        "dblocate", "dblocate logical=x", "dblocate datablk=(fmddb) where() logical=x",
+        "dblocate logical=x datablk=(fmddb)", "dblocate logical=x datablk=(other) where()",
+        "dblocate logical=x datablk=(fmddb) where() move",
+        "dblocate logical=x datablk=(fmddb) where() copy=1", "undblocate", "undblocate logical",
+        "undblocate x=1", "undblocate logical=x y"})
+    EXPECT_EQ(kdcdb::FMSCommand(text), kdcdb::kBadCommand) << text;
 }
 
 TEST_F(DatabaseTest, SelectionFindsScratchDatablocksByTheirQualifiers) {
