@@ -257,7 +257,8 @@ Status DeleteDatabase(const char* base) {
   const std::string_view name = absolute.text();
   if (name == state.base) return kDatabaseOpen;
   state.forget_scratch(name);
-  state.held.erase(std::string(name));
+  const auto held = state.held.find(name);
+  if (held != state.held.end()) state.held.erase(held);
   if (state.scratch.empty()) state.cache.release_storage();
   if (name == state.own_name) state.end_session();
   return remove_files(absolute.text());

@@ -11,6 +11,7 @@
 #include "faults/failing_allocation.h"
 #include "faults/operations.h"
 #include "support/session.h"
+#include "support/unsynced_file_system.h"
 
 namespace {
 
@@ -84,6 +85,7 @@ class AllocationSweep : public fmdtest::SessionTest, public testing::WithParamIn
   }
 
   QuietLog said;
+  fmdtest::UnsyncedFileSystem files;
 };
 
 TEST_P(AllocationSweep, SurvivesTheFailureOfEachOfItsAllocations) {

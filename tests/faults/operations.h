@@ -37,6 +37,7 @@ extern const std::vector<Operation> load_operations;       // loads, rigid modes
 extern const std::vector<Operation> invariant_operations;  // invariants over modes
 extern const std::vector<Operation> motion_operations;     // rigid motions of a body
 extern const std::vector<Operation> record_operations;     // record streams
+extern const std::vector<Operation> stored_operations;     // bodies in a database
 
 }  // namespace fmdtest
 

@@ -45,10 +45,9 @@ void release_mode_files(FmdBody& body) {
     if (stream.Block != 0 && stream.IsScratch != 0) DB_CloseDatablk(stream.Block);
     stream.Block = 0;
   }
-  if (body.DataFile.Block != 0) {
-    DB_CloseDatablk(body.DataFile.Block);
-    release(body.DataFile.Name);
-  }
+  if (body.DataFile.Block != 0) DB_CloseDatablk(body.DataFile.Block);
+  // A write that has failed on the way leaves a body without its datablock.
+  release(body.DataFile.Name);
 }
 
 void release_loads(FmdBody& body) {

@@ -90,7 +90,11 @@ int FMD_ModeNodeID(FmdBody* body, int type, int index) {
 }
 
 int FMD_ModeNodeIndex(FmdBody* body, int type, int id) {
-  if (type == fmd::kShape) return FMD_NodeIndex(body, id);
+  if (type == fmd::kShape) {
+    const int index = FMD_NodeIndex(body, id);
+    // Mode shapes of a stored body may end before its nodes do.
+    return index < 0 || index >= body->ModeNodeCount[fmd::kShape] ? -1 : index;
+  }
   if (CheckFMD(body) == 0 || !is_type(type) || body->ModeNodeCount[type] == 0) return -1;
   if (!fmd::provide_sorted(*body, type)) return -1;
   FmdIdIndex* const pairs = body->SortedModeNodes[type];

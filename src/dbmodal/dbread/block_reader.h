@@ -38,6 +38,7 @@ class BlockReader {
   FmdBody& body;
   CArray<std::int32_t> moved;  // by place in the node block: index in the node table; null where all stay
   bool has_eigenvalues = false;
+  std::int32_t numbered_modes = 0;  // modes that the body has numbers for
 };
 
 // One function a block. Each reads the body of its block, to whose start the dataset has been moved, reports

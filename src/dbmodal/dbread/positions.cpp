@@ -67,7 +67,8 @@ bool walk_modes(BlockReader& reader, int type) {
   if (counts[1] < 0 || !reader.skip_words(counts[1])) return true;
   for (std::int32_t mode = 0; mode < modes; ++mode) {
     DB_FSAVE(&body.ModePositions[type][mode], body.DataFile);
-    if (!reader.skip_words(stride)) break;
+    // Beyond the end of the record the stream stays there, and so do the places of the modes that follow.
+    reader.skip_words(stride);
   }
   return true;
 }

@@ -1,4 +1,5 @@
 // A stored dataset into a body: what is small at once, mode vectors and invariants when they are asked for.
+#include <algorithm>
 #include <cstring>
 
 #include "dbmodal/block_table.h"
@@ -112,6 +113,23 @@ bool read_header(BlockReader& reader) {
   return true;
 }
 
+// The blocks of vectors may tell different numbers of modes, of which the last one counts: modes that a block
+// does not have are at no place.
+bool complete_positions(FmdBody& body) {
+  for (int type = 0; type < TOTAL_MODE_INFO_TYPES; ++type) {
+    const std::int32_t known = body.ModePositionCount[type];
+    if (body.ModePositions[type] == nullptr || known >= body.ModeCount) continue;
+    if (!fmd::grow(body.ModePositions[type], body.ModeCount)) {
+      fmd::report_allocation_failure("dbread");
+      return false;
+    }
+    std::fill(body.ModePositions[type] + known, body.ModePositions[type] + body.ModeCount,
+              FmdPosition{{-1, -1}});
+    body.ModePositionCount[type] = body.ModeCount;
+  }
+  return true;
+}
+
 // In ascending number; topology of the old style is looked for in the place of the faces, where those are
 // missing.
 bool read_blocks(BlockReader& reader) {
@@ -124,7 +142,7 @@ bool read_blocks(BlockReader& reader) {
     if (block.read == nullptr || FMD_goto_block(&reader.body, block.number - 1) == 0) continue;
     if (!block.read(reader)) return false;
   }
-  return true;
+  return complete_positions(reader.body);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@ namespace {
 // Faces come as corner count and node places; places become indices. False where the list does not hold the
 // faces that it should, or a corner is no node.
 bool take_faces(const BlockReader& reader, std::int32_t faces, std::int32_t length, std::int32_t* list) {
+  if (faces < 0) return false;
   std::int32_t at = 0;
   for (std::int32_t face = 0; face < faces; ++face) {
     if (at >= length || list[at] < 0 || list[at] > length - at - 1) return false;

@@ -20,8 +20,10 @@ bool read_load_case(BlockReader& reader, FmdLoadCase& load, std::int32_t modes, 
   return true;
 }
 
-// The three arrays of a case; what has been made stays with the case, which the body releases.
+// The three arrays of a case, none for a case without loads; what has been made stays with the case, which
+// the body releases.
 bool provide_nodal_arrays(FmdNodalLoadCase& load, std::int32_t count) {
+  if (count == 0) return true;
   load.Nodes = allocate<std::int32_t>(count, "dbread").release();
   if (load.Nodes != nullptr) load.Coordinates = allocate<std::int32_t>(count, "dbread").release();
   if (load.Coordinates != nullptr) load.Values = allocate<double>(count, "dbread").release();

@@ -11,7 +11,8 @@ struct Matrix {
   std::int32_t FmdBody::*capacity;
 };
 
-constexpr Matrix kStiffnessMatrix = {11, &FmdBody::GenStiff, &FmdBody::GenStiffCount, &FmdBody::GenStiffCapacity};
+constexpr Matrix kStiffnessMatrix = {11, &FmdBody::GenStiff, &FmdBody::GenStiffCount,
+                                     &FmdBody::GenStiffCapacity};
 constexpr Matrix kMassMatrix = {12, &FmdBody::GenMass, &FmdBody::GenMassCount, &FmdBody::GenMassCapacity};
 constexpr Matrix kDampingMatrix = {14, &FmdBody::GenDamp, &FmdBody::GenDampCount, &FmdBody::GenDampCapacity};
 

@@ -105,6 +105,7 @@ bool provide_numbers(BlockReader& reader, const ModeBlock& block, std::int32_t m
   if (numbers == nullptr) return false;
   FMD_Warning("%s", block.without_shapes);
   install(body.ModeNumbers, numbers);
+  reader.numbered_modes = modes;
   return true;
 }
 
@@ -125,15 +126,15 @@ bool read_mode_block(BlockReader& reader, const ModeBlock& block) {
   std::int32_t modes = 0;
   std::int32_t nodes = 0;
   if (!reader.read_int(modes)) return report(block.problem);
-  if (modes < 1 && block.type == kStrain) return report(block.problem);
   if (reader.has_eigenvalues && modes != body.ModeRecordCount) FMD_Error("%s", block.count_mismatch);
   if (!reader.read_int(nodes) || nodes < 0 || nodes > body.NodeCount || !reader.has(nodes, 1))
     return report(block.problem);
   if (!read_mode_nodes(reader, block, nodes)) return false;
 
+  if (modes < 1 && block.type == kStrain) return report(block.problem);
   modes = std::max(modes, 0);
   // Modes beyond those that are numbered already are none that anybody knows.
-  if (body.ModeNumbers != nullptr && modes > body.ModeCount) return report(block.other_order);
+  if (body.ModeNumbers != nullptr && modes > reader.numbered_modes) return report(block.other_order);
   if (modes > body.ModePositionCount[block.type]) return report(block.problem);
   bool made = false;
   if (!provide_numbers(reader, block, modes, made)) return false;
@@ -198,7 +199,7 @@ bool read_mode_shapes(BlockReader& reader) {
       return fail_at_shapes();
   }
   install(body.ModeNumbers, numbers);
-  body.ModeCount = counts[0];
+  body.ModeCount = reader.numbered_modes = counts[0];
   return true;
 }
 

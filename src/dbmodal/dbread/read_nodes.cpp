@@ -2,6 +2,7 @@
 // of the whole body (6).
 #include <algorithm>
 
+#include "dbmodal/dbdata/node_tables.h"
 #include "dbmodal/dbread/block_reader.h"
 
 namespace fmd {
@@ -109,6 +110,7 @@ bool read_global_properties(BlockReader& reader) {
 }
 
 bool read_nodal_masses(BlockReader& reader) {
+  FmdBody& body = reader.body;
   std::int32_t counts[2];
   if (!reader.read_ints(counts, 2) || counts[1] < 1) return fail_at_masses();
   if (!reader.has(counts[0], 1) || !reader.has(counts[1], 1)) return fail_at_masses();
@@ -117,7 +119,8 @@ bool read_nodal_masses(BlockReader& reader) {
     FMD_Warning("Generating scalar by averaging %d values", counts[1]);
   }
   const auto values = allocate<double>(counts[1], "dbread");
-  if (values == nullptr) return fail_at_masses();
+  // Without the table of ids every node would seem unknown.
+  if (values == nullptr || !provide_sorted(body, kShape)) return fail_at_masses();
   for (int i = 0; i < counts[0]; ++i) {
     if (!read_mass(reader, values.get(), counts[1])) return fail_at_masses();
   }
@@ -140,6 +143,7 @@ bool read_interface_nodes(BlockReader& reader) {
   if (nodes == nullptr || !reader.read_ints(nodes.get(), count)) return report(kProblem);
   for (int i = 0; i < count; ++i) {
     std::int32_t& node = nodes[static_cast<std::size_t>(i)];
+    if (node < 0 || node >= body.NodeCount) return report(kProblem);
     node = reader.node_index(node);
   }
   install(body.InterfaceNodes, nodes);

@@ -64,8 +64,12 @@ bool print_vector(FmdBody* body, std::FILE* out, const VectorWords& words, int n
   if (FMD_Mode(body, number, words.type, halves.second.get(), 1) == 0) return false;
   std::fputs(words.heading, out);
   std::fputs(kRule, out);
-  for (int place = 0; place < body->ModeNodeCount[words.type]; ++place) {
+  // Mode shapes of a stored body may end before its nodes do.
+  const int nodes = body->ModeNodeCount[words.type];
+  const int pairs = words.type == kShape ? body->NodeCount : nodes;
+  for (int place = 0; place < pairs; ++place) {
     const FmdIdIndex& pair = body->SortedModeNodes[words.type][place];
+    if (pair.Index >= nodes) continue;
     const double* const a = halves.first.get() + 3L * pair.Index;
     const double* const b = halves.second.get() + 3L * pair.Index;
     std::fprintf(out, "%5d ", pair.Id);
