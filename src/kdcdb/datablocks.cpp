@@ -94,8 +94,20 @@ Status ReleaseDatablk(int key) {
     state.end_keys_of(*block);
     state.drop_links_to(*block);
     blocks.erase(found);
-    break;
+    return kOk;
   }
+  // Kept until its keys have ended.
+  const std::shared_ptr<Datablock> linked = state.find_linked(*block);
+  if (linked == nullptr) return kOk;
+  state.end_keys_of(*linked);
+  state.drop_links_to(*linked);
+  return kOk;
+}
+
+Status AbandonDatablk(int key) {
+  const Cursor* const cursor = store().cursor(key);
+  if (cursor == nullptr) return kNoDatablock;
+  cursor->block()->abandon();
   return kOk;
 }
 

@@ -90,8 +90,15 @@ Status AllocDatablk(const char* selection, int* key, int* matches);
 // A new, empty datablock from a "dbcreate" command.
 Status CreateDatablk(const char* command, int* key);
 
-// Gives back the space of a scratch datablock, open or not; its keys end.
+// Gives back the space of a scratch datablock, open or not, or drops the links to a stored one; its keys end.
+// A datablock that is being stored stays.
 Status ReleaseDatablk(int key);
+
+// A datablock that was to be stored with the next closing is not.
+Status AbandonDatablk(int key);
+
+// Drops the assignment of a logical name on the open database, and the links made through it.
+void ForgetLogical(const char* logical);
 
 // ------------------------------------------------------------------ records --
 

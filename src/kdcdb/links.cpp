@@ -215,4 +215,19 @@ Status run_undblocate(const Command& command) {
   return kOk;
 }
 
+void ForgetLogical(const char* logical) {
+  Store& state = store();
+  const auto here = state.databases.find(state.base);
+  if (here == state.databases.end()) return;
+  auto& [assignments, links] = here->second;
+  const auto is_meant = [&](const std::string& name) { return name == logical; };
+  const auto dropped = std::remove_if(links.begin(), links.end(), [&](const Link& link) {
+    return std::any_of(link.logical_names.begin(), link.logical_names.end(), is_meant);
+  });
+  links.erase(dropped, links.end());
+  const auto assigned = std::find_if(assignments.begin(), assignments.end(),
+                                     [&](const auto& assignment) { return is_meant(assignment.first); });
+  if (assigned != assignments.end()) assignments.erase(assigned);
+}
+
 }  // namespace kdcdb

@@ -253,15 +253,15 @@ Status DeleteDatabase(const char* base) {
   Store& state = store();
   Path absolute;
   const Status status = resolve_base(base, absolute);
-  if (status != kOk) return status;
-  const std::string_view name = absolute.text();
+  // The directory may be gone, and the session ends all the same.
+  const std::string_view name = status == kOk ? absolute.text() : base;
   if (name == state.base) return kDatabaseOpen;
   state.forget_scratch(name);
   const auto held = state.held.find(name);
   if (held != state.held.end()) state.held.erase(held);
-  if (state.scratch.empty()) state.cache.release_storage();
   if (name == state.own_name) state.end_session();
-  return remove_files(absolute.text());
+  if (state.scratch.empty()) state.cache.release_storage();
+  return status == kOk ? remove_files(absolute.text()) : status;
 }
 
 Status FMSCommand(const char* text) {

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "kdcdb/paths.h"
+#include "system/file_system.h"
+
 namespace kdcdb {
 
 Store& store() {
@@ -26,6 +29,15 @@ void Store::end_keys_of(const Datablock& block) {
   for (const int key : block.keys) keys[static_cast<std::size_t>(key) - 1].reset();
 }
 
+std::shared_ptr<Datablock> Store::find_linked(const Datablock& block) const {
+  for (const auto& [name, database] : databases) {
+    for (const Link& link : database.links) {
+      if (link.block.get() == &block) return link.block;
+    }
+  }
+  return nullptr;
+}
+
 void Store::drop_links_to(const Datablock& block) {
   for (auto& [name, database] : databases) {
     std::vector<Link>& links = database.links;
@@ -45,7 +57,11 @@ void Store::forget_scratch(std::string_view base_name) {
   scratch.erase(found);
 }
 
+// A database that is held was left in the middle of being written: nobody comes back for its temporary set.
 void Store::end_session() {
+  for (const auto& database : held)
+    fmd::file_system().unlink(Path(database.first.c_str(), kTemporarySet).text());
+  while (!scratch.empty()) forget_scratch(scratch.begin()->first);
   own_name.clear();
   databases.clear();
   held.clear();

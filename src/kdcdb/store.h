@@ -48,6 +48,7 @@ struct Store {
   }
   int new_key(std::shared_ptr<Datablock> block);
   void end_keys_of(const Datablock& block);
+  std::shared_ptr<Datablock> find_linked(const Datablock& block) const;  // null where no link leads to it
   void drop_links_to(const Datablock& block);
 
   // Gives back the scratch datablocks of a database; keys of them end.

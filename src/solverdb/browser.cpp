@@ -107,16 +107,34 @@ std::string ask_dictionary(int serial) {
 }
 
 // The bodies of the database get negative marks, which no opened body has.
-std::vector<std::string> browse(const char* path, int serial) {
+std::string list_bodies(const char* path, int serial) {
   const std::string number = std::to_string(serial);
   std::string command = "assign dbbrw" + number + "='" + path + "'";
-  if (kdcdb::FMSCommand(command.c_str()) != kdcdb::kOk) return {};
+  if (kdcdb::FMSCommand(command.c_str()) != kdcdb::kOk) return "";
   command = "dblocate logical=dbbrw" + number +
             " datablk=(fmddb) where(projno=* and version=*) "
             "convert(projno=projno;version=version;highqual=-" +
             number + ")";
-  if (kdcdb::FMSCommand(command.c_str()) != kdcdb::kOk) return {};
-  return read_rows(ask_dictionary(serial));
+  if (kdcdb::FMSCommand(command.c_str()) != kdcdb::kOk) return "";
+  return ask_dictionary(serial);
+}
+
+// Once the rows are known the links serve nobody; they would keep the file open, and its writers from reusing
+// space.
+class BrowsingLinks {
+ public:
+  explicit BrowsingLinks(int serial) : logical_("dbbrw" + std::to_string(serial)) {}
+  BrowsingLinks(const BrowsingLinks&) = delete;
+  BrowsingLinks& operator=(const BrowsingLinks&) = delete;
+  ~BrowsingLinks() { kdcdb::ForgetLogical(logical_.c_str()); }
+
+ private:
+  std::string logical_;
+};
+
+std::vector<std::string> browse(const char* path, int serial) {
+  const BrowsingLinks links(serial);
+  return read_rows(list_bodies(path, serial));
 }
 
 // The rows of a database that has bodies; null for any other.
@@ -143,7 +161,8 @@ int DB_BodyBrowser(char* path, int index, char* row) {
     const auto count = static_cast<int>(database->rows.size());
     if (index == 0) return count;
     if (index < 0 || index > count) return 0;
-    std::snprintf(row, kRowBytes, "%s", database->rows[static_cast<std::size_t>(index) - 1].c_str());
+    if (row != nullptr)
+      std::snprintf(row, kRowBytes, "%s", database->rows[static_cast<std::size_t>(index) - 1].c_str());
     return count;
   } catch (const std::bad_alloc&) {
     return 0;

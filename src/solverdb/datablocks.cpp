@@ -30,6 +30,7 @@ int open_by_row(const char* path, const char* row, int serial) {
   }
   status = kdcdb::Gopen(key, kdcdb::kOpenExisting);
   if (status == kdcdb::kOk) return key;
+  kdcdb::ReleaseDatablk(key);
   FMD_Error("Cannot open the datablock, %d.", static_cast<int>(status));
   return 0;
 }
@@ -49,6 +50,10 @@ std::string select_by_mark(const char* name, int mark) {
 
 std::string assign_opened(int serial, const char* path) {
   return "assign dbalc" + std::to_string(serial) + "='" + path + "'";
+}
+
+void abandon_datablock(int block) {
+  kdcdb::AbandonDatablk(block);
 }
 
 std::string ReplaceTopLevelCommas(const std::string& text, const char* replacement) {
@@ -87,8 +92,9 @@ int DB_OpenDatablk(char* path, int index, int* logicalId) {
 int DB_CreateFMDblk(char* qualifiers) {
   try {
     int key = 0;
-    const std::string command =
-        "dbcreate datablk=(fmddb) quals(" + fmd::ReplaceTopLevelCommas(qualifiers, ";") + ")";
+    const std::string command = "dbcreate datablk=(fmddb) quals(" +
+                                fmd::ReplaceTopLevelCommas(qualifiers == nullptr ? "" : qualifiers, ";") +
+                                ")";
     kdcdb::Status status = kdcdb::CreateDatablk(command.c_str(), &key);
     if (status == kdcdb::kOk) status = kdcdb::Gopen(key, kdcdb::kOpenNew);
     if (status == kdcdb::kOk) return key;

@@ -17,6 +17,9 @@ std::string select_by_mark(const char* name, int mark);
 // "assign dbalc<serial>='path'"
 std::string assign_opened(int serial, const char* path);
 
+// A datablock that was completed and shall not be stored after all.
+void abandon_datablock(int block);
+
 // Commas outside single quotes become the replacement.
 std::string ReplaceTopLevelCommas(const std::string& text, const char* replacement);
 

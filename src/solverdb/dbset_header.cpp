@@ -119,7 +119,8 @@ void derive_fields(const HeaderWords& words, std::int64_t file_bytes, DBsetHeade
   const std::int64_t machine = words.value(10);
   info.buffsize = words.value(4);
   info.file = numeric_format(words.value(machine + 15));
-  if (info.buffsize > 0) info.records = file_bytes / (info.buffsize * (info.file.word_size == 0 ? 4 : 8));
+  const std::int64_t word_bytes = info.file.word_size == 0 ? 4 : 8;
+  if (info.buffsize > 0) info.records = file_bytes / (info.buffsize * word_bytes);
   for (int i = 0; i < 4; ++i) {
     const std::int32_t digits = words.value(stamp + 6 + i);
     info.stamps[static_cast<std::size_t>(i)] = {digits / 10000, digits / 100 % 100, digits % 100};
@@ -197,7 +198,7 @@ DBsetStatus ReadDBsetHeader(const char* path, DBsetHeaderInfo& info) {
     return status_of_missing(errno);
   }
   if (!S_ISREG(status.st_mode)) return kDBsetNotRegular;
-  info.unreadable = access(path, R_OK) != 0;
+  info.unreadable = file_system().access(path, R_OK) != 0;
   const int file = file_system().open(path, O_RDONLY, 0);
   if (file < 0) {
     info.system_error = errno;

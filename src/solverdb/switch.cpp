@@ -92,13 +92,20 @@ int open_again(const Texts& texts, int mark, bool exactly_one) {
   return 0;
 }
 
+// A block that could not be opened again keeps the key that it had, which names nothing any more.
+bool reopen(const Texts& texts, FmdStream& stream, bool exactly_one) {
+  const int key = open_again(texts, stream.Key, exactly_one);
+  if (key != 0) stream.Block = key;
+  return key != 0;
+}
+
 bool bring_along_dataset(FmdBody& body) {
   FmdStream& stream = body.DataFile;
   if (stream.Block == 0) return true;
+  if (stream.Name == nullptr) return false;
   if (fmd::run_command(fmd::assign_opened(stream.Key, stream.Name)) != kdcdb::kOk) return false;
   if (fmd::run_command(locate(kStored.name, stream.Key)) != kdcdb::kOk) return false;
-  stream.Block = open_again(kStored, stream.Key, true);
-  return stream.Block != 0;
+  return reopen(kStored, stream, true);
 }
 
 bool bring_along_modes(FmdBody& body) {
@@ -109,8 +116,7 @@ bool bring_along_modes(FmdBody& body) {
       continue;
     }
     if (fmd::run_command(locate(kScratch.name, stream.Key)) != kdcdb::kOk) return false;
-    stream.Block = open_again(kScratch, stream.Key, true);
-    if (stream.Block == 0) return false;
+    if (!reopen(kScratch, stream, true)) return false;
   }
   return true;
 }
@@ -128,7 +134,8 @@ bool start_write(FmdBody* body, char* path) {
 std::string restart_text() {
   std::string text = "restart";
   for (const FmdBody* body = fmd::first_body(); body != nullptr; body = body->Next) {
-    if (body->DataFile.Block != 0) text += ';' + fmd::assign_opened(body->DataFile.Key, body->DataFile.Name);
+    if (body->DataFile.Block != 0 && body->DataFile.Name != nullptr)
+      text += ';' + fmd::assign_opened(body->DataFile.Key, body->DataFile.Name);
   }
   return text;
 }
@@ -154,14 +161,14 @@ bool clean_target(const char* path) {
 
 bool reopen_blocks(FmdBody& body) {
   FmdStream& data = body.DataFile;
-  if (data.Block != 0) {
-    data.Block = open_again(kStored, data.Key, false);
-    if (data.Block == 0) return false;
-  }
+  if (data.Block != 0 && !reopen(kStored, data, false)) return false;
   for (FmdStream& stream : body.ModeFile) {
     if (stream.Block == 0) continue;
-    stream.Block = stream.IsScratch == 1 ? open_again(kScratch, stream.Key, false) : data.Block;
-    if (stream.IsScratch == 1 && stream.Block == 0) return false;
+    if (stream.IsScratch != 1) {
+      stream.Block = data.Block;
+    } else if (!reopen(kScratch, stream, false)) {
+      return false;
+    }
   }
   return true;
 }
@@ -188,6 +195,7 @@ bool term_write(const FmdBody* body, const char* path) {
 }  // namespace
 
 int DB_StartWrite(FmdBody* body, char* path) {
+  if (CheckFMD(body) == 0) return 0;
   try {
     return start_write(body, path) ? 1 : 0;
   } catch (const std::bad_alloc&) {
@@ -196,6 +204,7 @@ int DB_StartWrite(FmdBody* body, char* path) {
 }
 
 int DB_TermWrite(FmdBody* body, char* path) {
+  if (CheckFMD(body) == 0) return 0;
   try {
     return term_write(body, path) ? 1 : 0;
   } catch (const std::bad_alloc&) {

@@ -41,6 +41,9 @@ int FileSystem::fstat(int file, struct stat* status) {
 int FileSystem::stat(const char* path, struct stat* status) {
   return ::stat(path, status);
 }
+int FileSystem::access(const char* path, int mode) {
+  return ::access(path, mode);
+}
 int FileSystem::unlink(const char* path) {
   return ::unlink(path);
 }

@@ -31,6 +31,7 @@ class FileSystem {
   virtual int fsync(int file);
   virtual int fstat(int file, struct stat* status);
   virtual int stat(const char* path, struct stat* status);
+  virtual int access(const char* path, int mode);
   virtual int unlink(const char* path);
   virtual int link(const char* from, const char* to);
   virtual int linkat(int file, const char* to);              // gives an unnamed file a name

@@ -2,6 +2,7 @@
 #include "dbmodal/dbwrite/record_form.h"
 #include "dbmodal/dbwrite/write_dataset.h"
 #include "fmdtoolkit/fmdtoolkit.h"
+#include "solverdb/datablocks.h"
 
 namespace {
 
@@ -15,8 +16,10 @@ bool finish(WriteJob& job, const fmd::RecordForm& form, int block, char* path) {
       block, job.mode_count, nodes,        static_cast<std::int32_t>(6U * static_cast<std::uint32_t>(nodes)),
       2,     table.Word[0],  table.Word[1]};
   DB_CloseDatablk(block);
-  if (DB_WriteTrailer(trailer) == 0) return false;
-  return DB_TermWrite(job.body, path) != 0;
+  if (DB_WriteTrailer(trailer) != 0 && DB_TermWrite(job.body, path) != 0) return true;
+  // Where the target has not been closed yet, its closing must not store what was reported as failed.
+  fmd::abandon_datablock(block);
+  return false;
 }
 
 bool write_to(int block, FmdBody* body, char* path) {
