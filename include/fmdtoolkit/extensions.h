@@ -15,6 +15,9 @@ typedef void (*FmdxProgressHandler)(int done, int total);
 /* Installs the handler; null, as at the start, switches progress off. */
 void FMDX_SetProgressHandler(FmdxProgressHandler handler);
 
+/* How many bytes the words of an open datablock take in its database; -1 for a key that is none. */
+long long FMDX_DatablockBytes(int block);
+
 #ifdef __cplusplus
 }
 #endif

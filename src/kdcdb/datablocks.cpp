@@ -149,6 +149,14 @@ Status Savps3(int key, std::int64_t* position, bool* end_of_record, bool* end_of
   return cursor == nullptr ? kNoDatablock : cursor->save(position, end_of_record, end_of_file);
 }
 
+Status Length(int key, std::int64_t* words) {
+  *words = 0;
+  const Cursor* const cursor = store().cursor(key);
+  if (cursor == nullptr) return kNoDatablock;
+  *words = cursor->block()->words;
+  return kOk;
+}
+
 Status Remaining(int key, std::int64_t* words) {
   *words = 0;
   Cursor* const cursor = store().cursor(key);

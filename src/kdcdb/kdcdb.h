@@ -121,6 +121,9 @@ Status Savps3(int key, std::int64_t* position, bool* end_of_record, bool* end_of
 // written where it was not meant to be.
 Status Filps3(int key, std::int64_t position);
 
+// Words of the whole datablock, the marks at the ends of its records included.
+Status Length(int key, std::int64_t* words);
+
 // Words from the current place to the end of the record.
 Status Remaining(int key, std::int64_t* words);
 
