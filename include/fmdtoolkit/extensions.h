@@ -18,6 +18,15 @@ void FMDX_SetProgressHandler(FmdxProgressHandler handler);
 /* How many bytes the words of an open datablock take in its database; -1 for a key that is none. */
 long long FMDX_DatablockBytes(int block);
 
+/* Called with one line of text, without a newline, which holds during the call. */
+typedef void (*FmdxReport)(const char* text, void* context);
+
+/* Walks every byte of a master file that counts: header, roots, dictionaries, directories and the checksum of
+   every page of every datablock. Reports each thing that is wrong, and where; report may be null. It needs no
+   session and no message handlers, changes nothing, and may run while others read and write the database.
+   0: sound. 1: damaged. 2: the file cannot be read or is no database of this toolkit; the reason is reported. */
+int FMDX_CheckDatabase(const char* path, FmdxReport report, void* context);
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,9 +1,9 @@
 // The embedded solver database: the one header that the rest of the toolkit knows of it.
 //
 // A database is a set of files with one base name. It holds datablocks, each a sequence of records of 32-bit
-// words with a trailer. docs/database-format.md has the files byte for byte. This version holds scratch
-// datablocks only: they live in anonymous files that vanish with the process, registered by the absolute base
-// path of their database. Commands that concern stored datablocks answer kNotSupported.
+// words with a trailer. docs/database-format.md has the files byte for byte. Stored datablocks are in the
+// master file; closing the database makes the new ones part of it, all or none. Scratch datablocks live in
+// anonymous files that vanish with the process, registered by the absolute base path of their database.
 //
 // 1. Every operation answers a Status, kOk (0) for success; no exception leaves, no operation prints.
 // 2. One database is open at a time. Without one, an operation that needs it answers kNoDatabase.
@@ -34,7 +34,7 @@ enum Status : int {
   kBadArgument = 10,    // a negative count, an unknown option, a name that does not fit
   kExists = 11,         // a database of that name is there already
   kNoFile = 12,         // no such database
-  kNotADatabase = 13,   // no master file of ours
+  kNotADatabase = 13,   // no master file of ours, or of a layout that this version does not know
   kLocked = 14,         // another writer has the database
   kNoSpace = 15,        // disk, quota or file size limit is exhausted
   kInputOutput = 16,    // the system failed a call
@@ -74,6 +74,13 @@ Status GetDbName(const char* logical, char* name, std::size_t size, std::size_t*
 
 // Deletes the files of a closed database and gives back its scratch datablocks. Keys of them end.
 Status DeleteDatabase(const char* base);
+
+// Called with one line of text for each thing that a check finds wrong, and where.
+using CheckReport = void (*)(const char* text, void* context);
+
+// Walks every byte of a master file that its roots answer for; needs no session. kDamaged where something was
+// reported; any other failure is one of looking at the file.
+Status CheckDatabase(const char* master_path, CheckReport report, void* context);
 
 // ----------------------------------------------------------------- commands --
 

@@ -10,21 +10,31 @@ namespace kdcdb {
 
 namespace {
 
-// A slot counts as sound with one sound copy: a write that was cut short harms one of the two at most.
-void add_copy(const RootBytes& bytes, std::uint64_t file_id, RootSlot& slot) {
-  Root root;
-  if (bytes == RootBytes{}) return;
-  if (!decode_root(bytes, file_id, root)) {
-    if (slot.state == SlotState::kEmpty) slot.state = SlotState::kDamaged;
-    return;
+// A write that was cut short harms one of the two copies at most, so a slot counts as sound with one sound
+// copy and as empty with one that is empty. A root that stands in the other's slot would be overwritten by
+// the next commit.
+Status read_slot(int file, std::int64_t page, std::uint64_t file_id, RootSlot& slot) {
+  int damaged = 0;
+  for (const int copy : {0, kSecondRoot}) {
+    RootBytes bytes;
+    const Status status = read_exactly(file, bytes.data(), bytes.size(), page * kPageBytes + copy);
+    if (status != kOk) return status;
+    Root root;
+    if (bytes == RootBytes{}) continue;
+    if (!decode_root(bytes, file_id, root) || root_page(root.generation) != page) {
+      ++damaged;
+      continue;
+    }
+    if (slot.state != SlotState::kSound || root.generation > slot.root.generation) slot.root = root;
+    slot.state = SlotState::kSound;
   }
-  if (slot.state != SlotState::kSound || root.generation > slot.root.generation) slot.root = root;
-  slot.state = SlotState::kSound;
+  if (damaged == 2) slot.state = SlotState::kDamaged;
+  return kOk;
 }
 
-bool is_inside(const Extent& extent, const Root& root, const MasterContent& content) {
-  return root.end_page <= content.file_pages && extent.page >= kFirstFreePage &&
-         extent.page <= root.end_page && extent.pages <= root.end_page - extent.page;
+bool is_inside(const Extent& extent, const Root& root) {
+  return extent.page >= kFirstFreePage && extent.page <= root.end_page &&
+         extent.pages <= root.end_page - extent.page;
 }
 
 bool is_apart(const Extent& extent, const std::vector<StoredEntry>& entries) {
@@ -67,12 +77,8 @@ Status read_master_content(int file, MasterContent& content) {
   if (read == kOk) read = decode_header(header, content.file_id);
   if (read != kOk) return read;
   for (const std::int64_t page : {1, 2}) {
-    for (const int copy : {0, kSecondRoot}) {
-      RootBytes bytes;
-      read = read_exactly(file, bytes.data(), bytes.size(), page * kPageBytes + copy);
-      if (read != kOk) return read;
-      add_copy(bytes, content.file_id, content.slots[static_cast<std::size_t>(page) - 1]);
-    }
+    read = read_slot(file, page, content.file_id, content.slots[static_cast<std::size_t>(page) - 1]);
+    if (read != kOk) return read;
   }
   return kOk;
 }
@@ -80,9 +86,10 @@ Status read_master_content(int file, MasterContent& content) {
 Status read_dictionary(int file, const MasterContent& content, const Root& root,
                        std::vector<StoredEntry>& entries) {
   entries.clear();
+  if (root.end_page < kFirstFreePage || root.end_page > content.file_pages) return kDamaged;
   if (root.dictionary_bytes == 0) return kOk;
   const Extent extent = dictionary_extent(root);
-  if (!is_inside(extent, root, content)) return kDamaged;
+  if (!is_inside(extent, root)) return kDamaged;
   std::vector<unsigned char> bytes(root.dictionary_bytes);
   const auto offset = static_cast<off_t>(root.dictionary_page * kPageBytes);
   Status status = read_exactly(file, bytes.data(), bytes.size(), offset);

@@ -102,7 +102,9 @@ RootPageBytes encode_root_page(const Root& root) {
 bool decode_root(const RootBytes& bytes, std::uint64_t file_id, Root& root) {
   if (std::memcmp(bytes.data(), kRootMagic, kMagicBytes) != 0 || !crc_matches(bytes.data(), kRootCrc))
     return false;
-  if (get<std::uint64_t>(bytes.data(), 8) != file_id) return false;
+  if (get<std::uint64_t>(bytes.data(), 8) != file_id ||
+      get<std::uint64_t>(bytes.data(), 16) > kLastGeneration)
+    return false;
   root.file_id = file_id;
   root.generation = get<std::uint64_t>(bytes.data(), 16);
   root.dictionary_page = get<std::uint64_t>(bytes.data(), 24);

@@ -18,6 +18,7 @@ constexpr int kHeaderBytes = 1024;
 constexpr int kRootBytes = 128;
 constexpr int kSecondRoot = kPageBytes / 2;  // place of a slot's second copy in its page
 constexpr std::int64_t kFirstFreePage = 3;
+constexpr std::uint64_t kLastGeneration = std::uint64_t{1} << 62;  // more than any file comes to
 
 using HeaderBytes = std::array<unsigned char, kHeaderBytes>;
 using RootBytes = std::array<unsigned char, kRootBytes>;

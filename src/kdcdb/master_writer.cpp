@@ -52,9 +52,10 @@ Status MasterWriter::begin(int file) {
   file_ = file;
   root_ = *newest;
   const Root* const older = content.older();
-  old_end_ = older == nullptr ? 0 : older->end_page;
   std::vector<StoredEntry> old_entries;
   const bool older_known = older == nullptr || read_dictionary(file, content, *older, old_entries) == kOk;
+  old_end_ = 0;
+  if (older != nullptr) old_end_ = older_known ? older->end_page : content.file_pages;
   // A reader may hold a state older than both roots, and where the older one cannot be read nobody knows
   // what is its own: then only the end of the file is free.
   if (has_readers(file) || !older_known) {

@@ -7,8 +7,6 @@
 
 namespace kdcdb {
 
-namespace {
-
 Status lock_for_reading(int file) {
   struct flock range {};
   range.l_type = F_RDLCK;
@@ -17,8 +15,6 @@ Status lock_for_reading(int file) {
   range.l_len = 1;
   return fmd::file_system().lock(file, F_OFD_SETLK, &range) == 0 ? kOk : status_of_error(errno);
 }
-
-}  // namespace
 
 StoredFile::~StoredFile() {
   if (file_ >= 0) fmd::file_system().close(file_);

@@ -52,6 +52,7 @@ bool begin_on_target(char* path) {
   if (can_be_read(path)) {
     if (DB_CheckDBset(path) != 0) return false;
     status = kdcdb::DbaseOld(base.c_str(), "init dbfmd");
+    if (status == kdcdb::kDamaged) FMD_Error("The database %s is damaged. Run fmdtool check on it.", path);
   } else {
     status = kdcdb::DbaseNew(base.c_str(), "init dbfmd;dbsetdel dball");
   }
