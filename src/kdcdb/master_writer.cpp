@@ -122,7 +122,16 @@ void MasterWriter::cut_back(const Root& newest) {
   fmd::file_system().ftruncate(file_, static_cast<off_t>(end * kPageBytes));
 }
 
+// A datablock that could not be written to its end must not be lost in silence.
+Status MasterWriter::first_failure() const {
+  for (const auto& block : new_blocks_) {
+    if (block->failure() != kOk) return block->failure();
+  }
+  return kOk;
+}
+
 Status MasterWriter::commit() {
+  const Status lost = first_failure();
   const bool has_work = std::any_of(new_blocks_.begin(), new_blocks_.end(),
                                     [](const auto& block) { return block->is_complete(); });
   const bool had_blocks = !new_blocks_.empty();
@@ -141,7 +150,7 @@ Status MasterWriter::commit() {
     root_ = root;
   }
   if (had_blocks) cut_back(root_);
-  return status;
+  return status == kOk ? lost : status;
 }
 
 }  // namespace kdcdb

@@ -20,12 +20,14 @@ class MasterWriter {
   std::shared_ptr<NewBlock> create_block(const Qualifiers& qualifiers);
 
   // Makes the datablocks that were completed part of the database, in one step: after a failure it is what it
-  // was. Without such a datablock nothing is written. Forgets all new datablocks.
+  // was. Without such a datablock nothing is written. One that failed is told all the same. Forgets all new
+  // datablocks.
   Status commit();
 
   const std::vector<std::shared_ptr<NewBlock>>& new_blocks() const { return new_blocks_; }
 
  private:
+  Status first_failure() const;
   Status add_entries(std::vector<StoredEntry>& entries);
   Status write_dictionary(const std::vector<StoredEntry>& entries, Root& root);
   Status switch_root(const Root& root);

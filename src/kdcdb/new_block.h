@@ -27,6 +27,8 @@ class NewBlock : public Datablock {
 
   // Written without an error and closed.
   bool is_complete() const { return complete_; }
+  // What its writing came to; the last of it shows only when it is closed.
+  Status failure() const { return failure_; }
   const Qualifiers& qualifiers() const { return qualifiers_; }
 
   // Writes the directory and tells the dictionary what to say.

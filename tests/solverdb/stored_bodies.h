@@ -18,7 +18,10 @@ using Strings = std::vector<std::string>;
 // modes.
 FmdBody* make_large_body(int seed, int nodes = 700, int modes = 4, bool orthonormal = true);
 
-// Every mode vector, whole and by halves and by node, past any cache; node tables, masses, invariants.
+// Node tables, masses, and every mode vector, whole and by halves and by node, past any cache.
+std::string vectors_of(FmdBody* body);
+
+// Besides, the invariants, which stay from then on as they are.
 std::string numbers_of(FmdBody* body);
 
 // Besides, the contents report of all blocks but the header's.
