@@ -14,6 +14,8 @@ namespace {
 bool is_verbose = false;
 bool bar_is_shown = false;
 int modes_told = 0;
+int errors = 0;
+std::function<void(const std::string&)> diverted;
 
 // A line end with the blanks behind it becomes a blank and other characters that steer a terminal question
 // marks, so that a message is one line whatever an input file holds.
@@ -37,7 +39,12 @@ void print_line(const char* kind, const std::string& text) {
 }
 
 void on_error(const char* text) {
-  print_error(text);
+  ++errors;
+  if (diverted) {
+    diverted(one_line(text));
+  } else {
+    print_error(text);
+  }
 }
 
 void on_warning(const char* text) {
@@ -55,6 +62,7 @@ void on_information(const char* text) {
 void install_message_handlers(bool verbose) {
   is_verbose = verbose;
   modes_told = 0;
+  errors = 0;
   const FmdMessageHandlers handlers = {on_error, on_warning, on_information};
   SetMessageHandlers(&handlers);
 }
@@ -84,6 +92,14 @@ void clear_progress() {
   std::fputs("\r\033[K", stderr);
   std::fflush(stderr);
   bar_is_shown = false;
+}
+
+int errors_told() {
+  return errors;
+}
+
+void divert_errors(std::function<void(const std::string& line)> to) {
+  diverted = std::move(to);
 }
 
 int exported_modes() {

@@ -2,6 +2,7 @@
 #ifndef FMDTOOL_CONSOLE_H
 #define FMDTOOL_CONSOLE_H
 
+#include <functional>
 #include <string>
 
 namespace fmdtool {
@@ -16,6 +17,12 @@ void print_warning(const std::string& text);
 // Draws the bar if standard error is a terminal, otherwise nothing.
 void show_progress(const char* step, double fraction);
 void clear_progress();
+
+// How many errors the toolkit has told since its handlers were installed.
+int errors_told();
+
+// The toolkit's errors go to this function instead of standard error; null for standard error again.
+void divert_errors(std::function<void(const std::string& line)> to);
 
 // How many modes the last written dataset holds, which the toolkit tells as information.
 int exported_modes();

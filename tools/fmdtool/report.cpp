@@ -250,7 +250,8 @@ std::string as_table(const Report& report) {
   if (!report.results.empty()) table += text_row("results", report.results);
   if (report.reduction) table += reduction_rows(*report.reduction);
   table += text_row("deck", report.deck);
-  table += text_row("dataset", report.dataset);
+  table += text_row(report.qualifiers.empty() ? "dataset" : "database", report.dataset);
+  if (!report.qualifiers.empty()) table += text_row("qualifiers", report.qualifiers);
   table += text_row("units",
                     report.units[0] + " " + report.units[1] + " " + report.units[2] + " " + report.units[3]);
   table += row("nodes", "%d", report.nodes);
@@ -285,7 +286,8 @@ std::string as_json(const Report& report) {
   json["title"] = report.title;
   json["results"] = report.results;
   json["deck"] = report.deck;
-  json["dataset"] = report.dataset;
+  json[report.qualifiers.empty() ? "dataset" : "database"] = report.dataset;
+  if (!report.qualifiers.empty()) json["qualifiers"] = report.qualifiers;
   json["units"] = {{"mass", report.units[0]},
                    {"length", report.units[1]},
                    {"time", report.units[2]},

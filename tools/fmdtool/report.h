@@ -53,7 +53,8 @@ struct Report {
   std::string title;
   std::string results;
   std::string deck;
-  std::string dataset;
+  std::string dataset;               // file or database
+  std::string qualifiers;            // in a database
   std::array<std::string, 4> units;  // mass, length, time, force
   int nodes = 0;
   int elements = 0;

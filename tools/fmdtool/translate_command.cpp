@@ -7,18 +7,17 @@
 #include <stdexcept>
 #include <vector>
 
+#include "body_output.h"
 #include "console.h"
-#include "output_file.h"
 #include "report.h"
 #include "workspace.h"
+#include "write_options.h"
 
 namespace fmdtool {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr const char* options_variable = "KXI_FMDWRITE_OPTIONS";
 
 // The body, and the session that comes with it.
 class Session {
@@ -68,17 +67,15 @@ void complete(TranslateRequest& request) {
   request.job.deck = fs::absolute(request.job.deck).string();
 }
 
-void refuse_input_as_output(const TranslateRequest& request, const OutputFile& output) {
+void refuse_input_as_output(const TranslateRequest& request, const BodyOutput& output) {
   std::vector<std::string> inputs = {request.job.results, request.job.deck};
   if (request.job.reduction) {
     const calculix::MatrixFiles& files = request.job.reduction->files;
     inputs.insert(inputs.end(), {files.stiffness, files.mass, files.dofs});
   }
+  const std::string& name = request.database.empty() ? request.output : request.database;
   for (const std::string& input : inputs) {
-    std::error_code error;
-    if (fs::equivalent(output.target(), input, error)) {
-      throw std::runtime_error(request.output + ": expected an output file that is not an input file");
-    }
+    refuse_as_output(output, input, name + ": expected an output file that is not an input file");
   }
 }
 
@@ -93,21 +90,9 @@ std::string shown(const calculix::InputError& error, const fs::path& from) {
          " " + error.text();
 }
 
-void write_dataset(FmdBody* body, OutputFile& output) {
-  std::string temporary = output.make_temporary();
-  if (FMD_write_FMD(body, temporary.data()) == 0) {
-    throw std::runtime_error(output.name() + ": the dataset was not written");
-  }
-  output.commit();
-}
-
-// Options given go before those of the environment; the invariants join either.
-void set_write_options(const TranslateRequest& request) {
-  const char* found = std::getenv(options_variable);
-  std::string options = request.write_options;
-  if (options.empty() && found != nullptr) options = found;
-  if (!request.invariants.empty()) options += (options.empty() ? "" : " ") + request.invariants + "_invar";
-  if (!options.empty()) setenv(options_variable, options.c_str(), 1);
+Destination destination_of(const TranslateRequest& request) {
+  if (!request.database.empty()) return {"", request.database};
+  return {request.output, ""};
 }
 
 ReportedReduction reported(const calculix::Model& model, const fs::path& from) {
@@ -118,19 +103,22 @@ ReportedReduction reported(const calculix::Model& model, const fs::path& from) {
 
 Report run(TranslateRequest& request, const fs::path& from) {
   complete(request);
-  OutputFile output(request.output);
-  refuse_input_as_output(request, output);
-  set_write_options(request);
+  const auto output = make_output(destination_of(request));
+  refuse_input_as_output(request, *output);
+  set_write_options(request.write_options, request.invariants);
+  refuse_unreadable(static_cast<int>(request.job.monitor_nodes.size()), output->is_database());
   install_message_handlers(request.verbose);
   const calculix::Model model = calculix::read_model(request.job, show_progress);
   for (const calculix::InputError& note : model.notes) print_warning(shown(note, from));
 
   Report report;
+  const Qualifiers qualifiers = Qualifiers::defaults().changed_by(request.qualifiers);
   {
     const Workspace workspace;
     const Session session(calculix::make_body(model, show_progress));
     show_progress("Writing", 1.0);
-    write_dataset(session.body(), output);
+    output->write(session.body(), qualifiers);
+    output->commit();
     describe_body(session.body(), exported_modes(), report);
     if (!model.results_hertz.empty() && !report.modes.empty()) {
       const std::vector<double> hertz = frequencies_of(session.body());
@@ -142,9 +130,10 @@ Report run(TranslateRequest& request, const fs::path& from) {
   report.title = model.title;
   report.results = shown(request.job.results, from);
   report.deck = shown(request.job.deck, from);
-  report.dataset = shown(output.target().string(), from);
+  report.dataset = shown(output->target().string(), from);
+  if (output->is_database()) report.qualifiers = as_text(qualifiers);
   report.elements = static_cast<int>(model.contents.mesh.elements.size());
-  report.bytes = fs::file_size(output.target());
+  report.bytes = fs::file_size(output->target());
   return report;
 }
 
