@@ -114,12 +114,14 @@ bool is_lasting(const std::vector<Command>& commands) {
   });
 }
 
+// The default set of one to keep is not even made, so that a process that dies cannot leave it behind.
 Status create_database(const char* base, const std::vector<Command>& commands) {
   Store& state = store();
+  const bool lasting = is_lasting(commands);
   auto master = std::make_unique<MasterFile>();
-  Status status = master->create(Path(base, kMasterSuffix).text(), is_lasting(commands));
+  Status status = master->create(Path(base, kMasterSuffix).text(), lasting);
   if (status != kOk) return status;
-  status = make_set(Path(base, kDefaultSet));
+  if (!lasting) status = make_set(Path(base, kDefaultSet));
   if (status != kOk) {
     master->close();
     remove_files(base);
