@@ -35,6 +35,8 @@
  *                  FMD_MAX_MODE_MEMORY       budget of the mode cache in megabytes, default 200
  *                  FMD_RIGID_BODY_THRESHOLD  frequency in Hz up to which a mode is taken for rigid
  *                  KXI_MFORCE_NO_FEA_MASS    if set, rigid loads come from a fit, not from nodal masses
+ *                  KXI_DATABASE_TRACE        if set when a session begins, each operation of the database
+ *                                            is printed to standard error
  */
 #ifndef FMDTOOLKIT_FMDTOOLKIT_H
 #define FMDTOOLKIT_FMDTOOLKIT_H

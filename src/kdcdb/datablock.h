@@ -3,6 +3,7 @@
 #ifndef FMDTOOLKIT_KDCDB_DATABLOCK_H
 #define FMDTOOLKIT_KDCDB_DATABLOCK_H
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <vector>
@@ -48,6 +49,11 @@ class Datablock {
 
   // A key that was open for writing has closed.
   virtual void end_writing() = 0;
+
+  virtual Status set_trailer(const std::int32_t* from) {
+    std::copy_n(from, kTrailerWords - 1, trailer.begin());
+    return kOk;
+  }
 
   // Its writer did not come to the end: not to be stored.
   virtual void abandon() {}

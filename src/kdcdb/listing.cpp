@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "kdcdb/store.h"
+#include "kdcdb/trace.h"
 
 namespace kdcdb {
 
@@ -91,12 +92,16 @@ Status list(const char* command_text, std::string& text) {
 }  // namespace
 
 int GetDbdict(const char* command, char* buffer, std::size_t size) {
+  trace("KD_GetDbdict: inp = %s\n", command);
   std::string text;
-  const Status status = guarded([&] { return list(command, text); });
-  if (status != kOk) return -status;
-  if (text.size() >= size) return static_cast<int>(text.size());
-  std::memcpy(buffer, text.c_str(), text.size() + 1);
-  return 0;
+  int result = -guarded([&] { return list(command, text); });
+  if (result == kOk && text.size() >= size) {
+    result = static_cast<int>(text.size());
+  } else if (result == kOk) {
+    std::memcpy(buffer, text.c_str(), text.size() + 1);
+  }
+  trace("KD_GetDbdict: err = %d\n", result);
+  return result;
 }
 
 }  // namespace kdcdb

@@ -1,6 +1,7 @@
 #include "kdcdb/master_writer.h"
 
 #include <algorithm>
+#include <new>
 
 #include "kdcdb/crc32c.h"
 #include "kdcdb/master_file.h"
@@ -106,51 +107,60 @@ Status MasterWriter::write_dictionary(const std::vector<StoredEntry>& entries, R
   return fmd::write_all_at(file_, bytes.data(), bytes.size(), offset) ? kOk : status_of_error(errno);
 }
 
+// Where the new root cannot be written, or nobody knows whether it was, the slot gets back what it held: a
+// commit that failed must not show later.
 Status MasterWriter::switch_root(const Root& root) {
   fmd::FileSystem& system = fmd::file_system();
+  const off_t place = root_page(root.generation) * kPageBytes;
+  RootPageBytes before;
+  Status status = read_exactly(file_, before.data(), before.size(), place);
+  if (status != kOk) return status;
   if (system.fdatasync(file_) != 0) return status_of_error(errno);
   const RootPageBytes page = encode_root_page(root);
-  if (!fmd::write_all_at(file_, page.data(), page.size(), root_page(root.generation) * kPageBytes))
-    return status_of_error(errno);
-  return system.fdatasync(file_) == 0 ? kOk : status_of_error(errno);
+  if (fmd::write_all_at(file_, page.data(), page.size(), place) && system.fdatasync(file_) == 0) return kOk;
+  status = status_of_error(errno);
+  is_in_doubt_ =
+      !fmd::write_all_at(file_, before.data(), before.size(), place) || system.fdatasync(file_) != 0;
+  return status;
 }
 
-// Not while somebody reads what only a state before these roots knows.
+// Not while somebody reads what only a state before these roots knows, or a root may lead beyond.
 void MasterWriter::cut_back(const Root& newest) {
-  if (has_readers(file_)) return;
+  if (is_in_doubt_ || has_readers(file_)) return;
   const std::uint64_t end = std::max(newest.end_page, old_end_);
   fmd::file_system().ftruncate(file_, static_cast<off_t>(end * kPageBytes));
 }
 
-// A datablock that could not be written to its end must not be lost in silence.
-Status MasterWriter::first_failure() const {
-  for (const auto& block : new_blocks_) {
-    if (block->failure() != kOk) return block->failure();
-  }
+Status MasterWriter::store_new_blocks() {
+  std::vector<StoredEntry> entries = entries_;
+  Root root = root_;
+  ++root.generation;
+  Status status = add_entries(entries);
+  if (status == kOk) status = write_dictionary(entries, root);
+  if (status == kOk) status = switch_root(root);
+  if (status != kOk) return status;
+  old_end_ = root_.end_page;
+  root_ = root;
+  entries_ = std::move(entries);
   return kOk;
 }
 
 Status MasterWriter::commit() {
-  const Status lost = first_failure();
-  const bool has_work = std::any_of(new_blocks_.begin(), new_blocks_.end(),
-                                    [](const auto& block) { return block->is_complete(); });
-  const bool had_blocks = !new_blocks_.empty();
+  if (new_blocks_.empty()) return kOk;
+  bool has_work = false;
   Status status = kOk;
-  Root root = root_;
-  if (has_work) {
-    std::vector<StoredEntry> entries = entries_;
-    ++root.generation;
-    status = add_entries(entries);
-    if (status == kOk) status = write_dictionary(entries, root);
-    if (status == kOk) status = switch_root(root);
+  for (const auto& block : new_blocks_) {
+    has_work = has_work || block->is_complete();
+    if (status == kOk) status = block->failure();
+  }
+  try {
+    if (has_work && status == kOk) status = store_new_blocks();
+  } catch (const std::bad_alloc&) {
+    status = kNoMemory;
   }
   new_blocks_.clear();
-  if (status == kOk && has_work) {
-    old_end_ = root_.end_page;
-    root_ = root;
-  }
-  if (had_blocks) cut_back(root_);
-  return status == kOk ? lost : status;
+  cut_back(root_);
+  return status;
 }
 
 }  // namespace kdcdb

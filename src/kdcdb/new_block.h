@@ -23,11 +23,15 @@ class NewBlock : public Datablock {
   Status append(const void* from, std::int64_t count) override;
   Status append_zeros(std::int64_t count) override;
   void end_writing() override;
-  void abandon() override { complete_ = false; }
+  void abandon() override {
+    complete_ = false;
+    failure_ = kOk;
+  }
 
   // Written without an error and closed.
   bool is_complete() const { return complete_; }
-  // What its writing came to; the last of it shows only when it is closed.
+
+  // What went wrong in a datablock that was not abandoned, its closing included.
   Status failure() const { return failure_; }
   const Qualifiers& qualifiers() const { return qualifiers_; }
 

@@ -46,7 +46,17 @@ Extent PageAllocator::take_run(std::uint64_t pages) {
 void PageAllocator::give_back(const Extent& extent) {
   const auto place = std::lower_bound(gaps_.begin(), gaps_.end(), extent,
                                       [](const Extent& a, const Extent& b) { return a.page < b.page; });
-  gaps_.insert(place, extent);
+  const auto inserted = gaps_.insert(place, extent);
+  const auto next = inserted + 1;
+  if (next != gaps_.end() && inserted->page + inserted->pages == next->page) {
+    inserted->pages += next->pages;
+    gaps_.erase(next);
+  }
+  if (inserted == gaps_.begin()) return;
+  const auto before = inserted - 1;
+  if (before->page + before->pages != inserted->page) return;
+  before->pages += inserted->pages;
+  gaps_.erase(inserted);
 }
 
 }  // namespace kdcdb

@@ -14,6 +14,7 @@
 #include "kdcdb/paths.h"
 #include "kdcdb/store.h"
 #include "kdcdb/system_status.h"
+#include "kdcdb/trace.h"
 #include "system/file_system.h"
 
 namespace kdcdb {
@@ -199,41 +200,27 @@ void close_keys() {
   }
 }
 
-}  // namespace
-
-Status DbaseBst(const char* /*message_file*/, const char* working_directory) {
-  return guarded([&]() -> Status {
-    Store& state = store();
-    if (state.is_open()) return kDatabaseOpen;
-    Path directory;
-    const Status status = directory.resolve(working_directory);
-    if (status != kOk) return status;
-    if (state.own_name.empty()) state.own_name = unique_name(directory.text());
-    state.directory = directory.text();
-    return kOk;
-  });
+Status begin_session(const char* working_directory) {
+  Store& state = store();
+  if (state.is_open()) return kDatabaseOpen;
+  Path directory;
+  const Status status = directory.resolve(working_directory);
+  if (status != kOk) return status;
+  if (state.own_name.empty()) state.own_name = unique_name(directory.text());
+  state.directory = directory.text();
+  return kOk;
 }
 
-Status DbaseNew(const char* base, const char* commands) {
-  return begin_database(base, commands, create_database);
-}
-
-Status DbaseOld(const char* base, const char* commands) {
-  return begin_database(base, commands, open_database);
-}
-
-Status DbaseNdl(const char* /*delivery_path*/) {
-  return store().is_open() ? kOk : kNoDatabase;
-}
-
-Status DbaseCls() {
+Status close_database() {
   Store& state = store();
   state.directory.clear();
   if (!state.is_open()) return kNoDatabase;
   close_keys();
   const Status status = guarded([&]() -> Status {
+    // Its place is taken before the commit, which cannot be undone.
+    std::unique_ptr<MasterFile>* const place = state.keeps_lock ? &state.held[state.base] : nullptr;
     const Status committed = state.master->writer().commit();
-    if (state.keeps_lock) state.held[state.base] = std::move(state.master);
+    if (place != nullptr) *place = std::move(state.master);
     return committed;
   });
   state.master.reset();
@@ -242,13 +229,46 @@ Status DbaseCls() {
   return status;
 }
 
-Status GetDbName(const char* logical, char* name, std::size_t size, std::size_t* length) {
+Status write_physical_name(const char* logical, char* name, std::size_t size, std::size_t* length) {
   const Store& state = store();
   if (state.directory.empty()) return kNoDatabase;
   if (std::strcmp(logical, "DBS") != 0 && std::strcmp(logical, "F06") != 0) return kBadArgument;
   const int written = std::snprintf(name, size, "%s_%s", state.own_name.c_str(), logical);
   *length = static_cast<std::size_t>(written);
   return *length < size ? kOk : kBadArgument;
+}
+
+}  // namespace
+
+Status DbaseBst(const char* message_file, const char* working_directory) {
+  begin_trace();
+  trace("KD_DbaseBst: inp = %s\n", message_file);
+  return traced("KD_DbaseBst: err = %d\n", guarded([&] { return begin_session(working_directory); }));
+}
+
+Status DbaseNew(const char* base, const char* commands) {
+  trace("KD_DbaseNew: inp = %s\n", base);
+  return traced("KD_DbaseNew: err = %d\n", begin_database(base, commands, create_database));
+}
+
+Status DbaseOld(const char* base, const char* commands) {
+  trace("KD_DbaseOld: inp = %s, %s\n", base, commands);
+  return traced("KD_DbaseOld: err = %d\n", begin_database(base, commands, open_database));
+}
+
+Status DbaseNdl(const char* delivery_path) {
+  trace("KD_DbaseNdl: inp = %s\n", delivery_path);
+  return traced("KD_DbaseNdl: err = %d\n", store().is_open() ? kOk : kNoDatabase);
+}
+
+Status DbaseCls() {
+  trace("KD_DbaseCls:\n");
+  return traced("KD_DbaseCls: err = %d\n", close_database());
+}
+
+Status GetDbName(const char* logical, char* name, std::size_t size, std::size_t* length) {
+  trace("KD_GetDbName: inp = %s\n", logical);
+  return traced("KD_GetDbName: err = %d\n", write_physical_name(logical, name, size, length));
 }
 
 Status DeleteDatabase(const char* base) {
@@ -267,12 +287,13 @@ Status DeleteDatabase(const char* base) {
 }
 
 Status FMSCommand(const char* text) {
-  return guarded([&]() -> Status {
-    if (!store().is_open()) return kNoDatabase;
-    std::vector<Command> commands;
-    const Status status = parse_checked(text, commands);
-    return status == kOk ? run_commands(commands) : status;
-  });
+  trace("KD_FMSCommand: inp = %s\n", text);
+  return traced("KD_FMSCommand: err = %d\n", guarded([&]() -> Status {
+                  if (!store().is_open()) return kNoDatabase;
+                  std::vector<Command> commands;
+                  const Status status = parse_checked(text, commands);
+                  return status == kOk ? run_commands(commands) : status;
+                }));
 }
 
 void GetBuffsizeLimit(std::int32_t* limit, std::int32_t* second) {

@@ -29,6 +29,7 @@ class StoredBlock : public Datablock {
   Status write(std::int64_t, const void*, std::int64_t) override { return kNotSupported; }
   Status append(const void*, std::int64_t) override { return kNotSupported; }
   Status append_zeros(std::int64_t) override { return kNotSupported; }
+  Status set_trailer(const std::int32_t*) override { return kNotSupported; }
   void end_writing() override {}
 
  private:
