@@ -783,7 +783,8 @@ int DB_ReadTrailer(int* words);
 int DB_OpenScratch(int* scratch);
 /* Closes the block and opens it again for reading and rewriting. */
 int DB_ReOpenScratch(int block);
-/* Closes a block; a scratch block is gone then. Always 1; 0 is a legal key. */
+/* Closes a block; a scratch block is gone then, and one that was opened to be read keeps its file open no
+   more. Always 1; 0 is a legal key. */
 int DB_CloseDatablk(int block);
 
 /* Moves the body's dataset to the start of a block (id 0 to 34); 0 if it has none. */
@@ -804,8 +805,8 @@ int DB_CheckDBset(char* path);
 
 /* Number of bodies in a database, 0 for none or a file that is no database. DB_BodyBrowser and DB_GetBodyInfo
    also copy the row of a body (index from 1) into 256 bytes: "SELABEL='arm',PROJNO=1,VERSION=1,PEID=0,
-   DESITER=0,STEPCUR=0". DB_GetBodyInfo answers 1 or 0. A database is asked once in a session;
-   DB_ResetBrowser forgets all. */
+   DESITER=0,STEPCUR=0"; an index outside gives 0. DB_GetBodyInfo answers 1 or 0. A database is asked once in a
+   session and later changes are not seen; DB_ResetBrowser forgets all. */
 int DB_BodyBrowser(char* path, int index, char* row);
 int DB_BodyCount(char* path);
 int DB_GetBodyInfo(char* path, int index, char* row);

@@ -122,7 +122,17 @@ bool bring_along_modes(FmdBody& body) {
   return true;
 }
 
+// Under whatever name: its scratch data would be cleaned away at the end.
+bool is_own_database(const char* path) {
+  struct stat own {};
+  struct stat target {};
+  const std::string master = fmd::session_base_name() + kMasterSuffix;
+  return fmd::file_system().stat(master.c_str(), &own) == 0 && fmd::file_system().stat(path, &target) == 0 &&
+         own.st_dev == target.st_dev && own.st_ino == target.st_ino;
+}
+
 bool start_write(FmdBody* body, char* path) {
+  if (is_own_database(path)) return false;
   for (const FmdBody* other = fmd::first_body(); other != nullptr; other = other->Next) close_blocks(*other);
   fmd::close_database();
   if (!begin_on_target(path)) return false;

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <regex>
 #include <set>
 
 #include "kdcdb/master_file.h"
@@ -258,9 +259,10 @@ enum class Target { kNew, kAdded, kReplaced };
 // Exports of a body read from A, and of one made for writing, while one call fails after the other.
 class FailingCalls : public fmdtest::StoredBodiesTest, public ::testing::WithParamInterface<Target> {
  protected:
-  void SetUp() override {
+  void make_databases(int nodes) {
+    nodes_ = nodes;
     for (const auto& [path, seed] : std::map<std::string, int>{{"A.MASTER", 1}, {"B.MASTER", 2}}) {
-      FmdBody* const body = fmdtest::make_large_body(seed, 30, 3, false);
+      FmdBody* const body = fmdtest::make_large_body(seed, nodes, 3, false);
       ASSERT_EQ(store(body, path, "SELABEL='first'", "no_ortho"), 1);
     }
     FMD_Terminate();
@@ -278,7 +280,7 @@ class FailingCalls : public fmdtest::StoredBodiesTest, public ::testing::WithPar
     fs::remove("C.MASTER");
     fs::copy_file("pristine", "B.MASTER");
     FmdBody* const read = open("A.MASTER");
-    FmdBody* const made = fmdtest::make_large_body(3, 30, 3, false);
+    FmdBody* const made = fmdtest::make_large_body(3, nodes_, 3, false);
     EXPECT_NE(read, nullptr);
     // So that the modes are transformed.
     if (read != nullptr) FMD_SetGeneralizedMass(read, 2, 1, 0.125);
@@ -345,9 +347,21 @@ class FailingCalls : public fmdtest::StoredBodiesTest, public ::testing::WithPar
     return written;
   }
 
+  // What an export says of a disk that fails it.
+  static void expect_told(const std::string& error) {
+    const std::regex known(
+        "Insufficient disk space for temporary file\\.|Problem writing .*|Problem closing [BC]\\.MASTER\\.|"
+        "Unable to open [BC]\\.MASTER for write\\. Please check the name and qualifier\\.|"
+        "Problem reading .*|Cannot open .*datablock, [0-9]+\\.|[0-9]+ .*datablocks are assigned\\.|"
+        "Unable to open temporary block for write\\.|.*KD DB file [BC]\\.MASTER\\.");
+    EXPECT_TRUE(std::regex_match(error, known)) << error;
+  }
+
   template <typename Disk>
   void sweep(bool from_database, bool strict, Disk make_disk);
 
+  int nodes_ = 0;
+  std::set<std::string> told_;  // the first two words of each message
   std::string stored_b;
 };
 
@@ -365,7 +379,11 @@ void FailingCalls::sweep(bool from_database, bool strict, Disk make_disk) {
       const auto disk = make_disk(call);
       result = store(body, target(), label());
       has_failed = disk->has_failed();
-      EXPECT_EQ(result == 0, !log.errors.empty()) << ::testing::PrintToString(log.errors);
+      EXPECT_EQ(result == 0, !log.errors.empty());
+      for (const std::string& error : log.errors) {
+        expect_told(error);
+        told_.insert(error.substr(0, error.find(' ', error.find(' ') + 1)));
+      }
       if (result == 0) FMD_Terminate();  // with the disk as it is
     }
     if (result == 0) ++failures;
@@ -379,12 +397,20 @@ void FailingCalls::sweep(bool from_database, bool strict, Disk make_disk) {
   EXPECT_GT(failures, 5);
 }
 
+// It shows when the target is opened, when scratch data or the body is written, and at the end.
+const std::set<std::string> kToldOfAFullDisk = {"Unable to", "Insufficient disk", "Problem writing",
+                                                "Problem closing"};
+
 TEST_P(FailingCalls, FullDiskLosesNothingOfABodyFromADatabase) {
+  make_databases(1500);  // more than is staged at once
   sweep(true, true, [](long call) { return std::make_unique<FullDisk>(call); });
+  EXPECT_EQ(told_, kToldOfAFullDisk);
 }
 
 TEST_P(FailingCalls, FullDiskLosesNothingOfABodyMadeForWriting) {
+  make_databases(1500);
   sweep(false, true, [](long call) { return std::make_unique<FullDisk>(call); });
+  EXPECT_EQ(told_, kToldOfAFullDisk);
 }
 
 std::string name_of(const ::testing::TestParamInfo<Target>& tested) {

@@ -355,6 +355,39 @@ TEST_F(Switch, SessionKeepsItsDirectoryVariable) {
   expect_unchanged("a");
 }
 
+TEST_F(Switch, OwnDatabaseOfTheSessionIsNoTarget) {
+  std::string own;
+  for (const auto& entry : std::filesystem::directory_iterator(directory.path())) {
+    const std::string name = entry.path().filename();
+    if (name.rfind("fmd", 0) == 0 && entry.path().extension() == ".MASTER") own = name;
+  }
+  ASSERT_NE(own, "");
+  EXPECT_EQ(store(bodies["s"], own), 0);
+  EXPECT_EQ(log.errors,
+            Strings{"Unable to open " + own + " for write. Please check the name and qualifier."});
+  log.clear();
+  expect_unchanged();
+}
+
+TEST_F(Switch, FolderMayHaveAnyName) {
+  for (const char* name : {"it's, here (1); and more", "dblocate logical=x", "ümlaut '", "*"}) {
+    SCOPED_TRACE(name);
+    std::filesystem::create_directory(name);
+    const std::string path = std::string(name) + "/C.MASTER";
+    export_well("s", path, "SELABEL='s'");
+    expected["s"] = everything_of(bodies["s"]);
+    EXPECT_EQ(count(path), 1);
+    bodies["c"] = open(path);
+    ASSERT_NE(bodies["c"], nullptr);
+    expected["c"] = everything_of(bodies["c"]);
+    export_well("c", "B.MASTER", "SELABEL='c'");
+    expected["c"] = everything_of(bodies["c"]);
+    expect_unchanged();
+    FMD_DeReference(bodies["c"]);
+    bodies.erase("c");
+  }
+}
+
 TEST_F(Switch, ChangeOfTheCurrentFolderLeavesOpenBodiesReadable) {
   std::filesystem::create_directory("deep");
   const std::string c = directory.path().string() + "/C.MASTER";
