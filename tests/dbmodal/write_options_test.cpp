@@ -55,6 +55,8 @@ TEST(WriteOptions, SketchTakesThreeFormsOfAName) {
   EXPECT_EQ(parse_write_options("sketch()").sketch, "");
   EXPECT_EQ(parse_write_options("sketch(\"\")").sketch, "\"\"");
   EXPECT_EQ(parse_write_options("sketch").sketch, "");
+  EXPECT_EQ(parse_write_options("no_ortho,sketch(").sketch, "");  // found by fuzz_commands
+  EXPECT_EQ(parse_write_options("sketch('").sketch, "'");
 }
 
 TEST(WriteOptions, CoarsenTakesItsOwnCharactersOnly) {

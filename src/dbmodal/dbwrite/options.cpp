@@ -26,8 +26,8 @@ std::string_view run_of(std::string_view text, std::string_view opening, std::st
 
 // The same up to the closing character or the end of the text.
 std::string_view run_up_to(std::string_view text, std::string_view opening, char closing) {
-  const std::string_view rest = text.substr(opening.size());
   if (text.substr(0, opening.size()) != opening) return {};
+  const std::string_view rest = text.substr(opening.size());
   return rest.substr(0, rest.find(closing));
 }
 
