@@ -15,8 +15,12 @@ typedef void (*FmdxProgressHandler)(int done, int total);
 /* Installs the handler; null, as at the start, switches progress off. */
 void FMDX_SetProgressHandler(FmdxProgressHandler handler);
 
-/* How many bytes the words of an open datablock take in its database; -1 for a key that is none. */
-long long FMDX_DatablockBytes(int block);
+/* Told of a stored body: the nodes and modes that it was written with, and the bytes of its words. */
+typedef void (*FmdxBodyReport)(int nodes, int modes, long long bytes, void* context);
+
+/* Reports each body of a database in the order of DB_GetBodyInfo, from the list that the database keeps: none is
+   opened. It needs no session. How many there are, or -1 where the list cannot be read; report may be null. */
+int FMDX_ListBodies(const char* path, FmdxBodyReport report, void* context);
 
 /* Called with one line of text, without a newline, which holds during the call. */
 typedef void (*FmdxReport)(const char* text, void* context);

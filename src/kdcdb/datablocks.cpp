@@ -176,14 +176,6 @@ Status Savps3(int key, std::int64_t* position, bool* end_of_record, bool* end_of
   return status;
 }
 
-Status Length(int key, std::int64_t* words) {
-  *words = 0;
-  const Cursor* const cursor = store().cursor(key);
-  if (cursor == nullptr) return kNoDatablock;
-  *words = cursor->block()->words;
-  return kOk;
-}
-
 Status Remaining(int key, std::int64_t* words) {
   *words = 0;
   Cursor* const cursor = store().cursor(key);

@@ -75,6 +75,12 @@ Status GetDbName(const char* logical, char* name, std::size_t size, std::size_t*
 // Deletes the files of a closed database and gives back its scratch datablocks. Keys of them end.
 Status DeleteDatabase(const char* base);
 
+// Called for each stored datablock of a file, with the six words of its trailer after the key, and its words.
+using StoredReport = void (*)(const std::int32_t* trailer, std::int64_t words, void* context);
+
+// Reports what the dictionary of a master file tells, in the order of its list; needs no session.
+Status ListStored(const char* master_path, StoredReport report, void* context);
+
 // Called with one line of text for each thing that a check finds wrong, and where.
 using CheckReport = void (*)(const char* text, void* context);
 
@@ -127,9 +133,6 @@ Status Savps3(int key, std::int64_t* position, bool* end_of_record, bool* end_of
 // To a place that Savps3 gave. A bad one leaves the datablock without a place, so that nothing is read or
 // written where it was not meant to be.
 Status Filps3(int key, std::int64_t position);
-
-// Words of the whole datablock, the marks at the ends of its records included.
-Status Length(int key, std::int64_t* words);
 
 // Words from the current place to the end of the record.
 Status Remaining(int key, std::int64_t* words);

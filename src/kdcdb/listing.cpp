@@ -91,6 +91,17 @@ Status list(const char* command_text, std::string& text) {
 
 }  // namespace
 
+Status ListStored(const char* master_path, StoredReport report, void* context) {
+  return guarded([&] {
+    std::shared_ptr<const StoredFile> stored;
+    const Status status = StoredFile::open(master_path, nullptr, stored);
+    if (status != kOk) return status;
+    for (const StoredEntry& entry : stored->entries())
+      report(entry.trailer.data(), static_cast<std::int64_t>(entry.words), context);
+    return status;
+  });
+}
+
 int GetDbdict(const char* command, char* buffer, std::size_t size) {
   trace("KD_GetDbdict: inp = %s\n", command);
   std::string text;

@@ -3,7 +3,6 @@
 
 #include <new>
 
-#include "fmdtoolkit/extensions.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 
 namespace {
@@ -103,10 +102,4 @@ int DB_CreateFMDblk(char* qualifiers) {
   } catch (const std::bad_alloc&) {
   }
   return 0;
-}
-
-long long FMDX_DatablockBytes(int block) {
-  constexpr long long kWordBytes = 4;
-  std::int64_t words = 0;
-  return kdcdb::Length(block, &words) == kdcdb::kOk ? words * kWordBytes : -1;
 }

@@ -44,6 +44,8 @@ const std::vector<Operation> frame_operations = {
      }},
     {"FMDX_CheckDatabase", no_body,
      [](Scene&) { return FMDX_CheckDatabase("missing.MASTER", nullptr, nullptr) == 2; }},
+    {"FMDX_ListBodies", no_body,
+     [](Scene&) { return FMDX_ListBodies("missing.MASTER", nullptr, nullptr) == -1; }},
     {"fmdcreate_VersionId", no_body, [](Scene&) { return names_a_module(fmdcreate_VersionId()); }},
     {"fmddata_VersionId", no_body, [](Scene&) { return names_a_module(fmddata_VersionId()); }},
     {"fmdset_VersionId", no_body, [](Scene&) { return names_a_module(fmdset_VersionId()); }},

@@ -2,7 +2,6 @@
 #include <cstring>
 
 #include "faults/operations.h"
-#include "fmdtoolkit/extensions.h"
 
 namespace fmdtest {
 
@@ -59,8 +58,6 @@ const std::vector<Operation> record_operations = {
        s.ints[0] = s.stream.Block;
        return DB_ReadTrailer(s.ints) == 1;
      },
-     Failure::kSilent},
-    {"FMDX_DatablockBytes", readable_stream, [](Scene& s) { return FMDX_DatablockBytes(s.stream.Block) > 0; },
      Failure::kSilent},
     {"DB_OpenScratch", empty_body,
      [](Scene& s) {

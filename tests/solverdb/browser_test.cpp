@@ -3,6 +3,7 @@
 
 #include <fstream>
 
+#include "fmdtoolkit/extensions.h"
 #include "kdcdb/kdcdb.h"
 #include "solverdb/stored_bodies.h"
 #include "support/failing_file_system.h"
@@ -48,6 +49,41 @@ TEST_F(Browser, LabelsKeepCommasAndInnerBlanksAndLoseTrailingOnes) {
     ASSERT_NE(body, nullptr) << index;
     EXPECT_EQ(log.errors, Strings{}) << index;
   }
+}
+
+struct Told {
+  int nodes;
+  int modes;
+  long long bytes;
+};
+
+void note(int nodes, int modes, long long bytes, void* list) {
+  static_cast<std::vector<Told>*>(list)->push_back({nodes, modes, bytes});
+}
+
+TEST_F(Browser, ListsTheSizesOfAllBodiesWithoutOpeningOne) {
+  store_sample("SELABEL='small'");
+  make_database("A.MASTER", {1});
+  std::vector<Told> told;
+  EXPECT_EQ(FMDX_ListBodies("A.MASTER", note, &told), 2);
+  ASSERT_EQ(told.size(), 2U);
+  EXPECT_EQ(told[0].nodes, 4);
+  EXPECT_EQ(told[0].modes, 3);
+  EXPECT_EQ(told[1].nodes, 700);
+  EXPECT_EQ(told[1].modes, 4);
+  const long long vectors = 3LL * 4 * 700 * 6 * 8;
+  EXPECT_GT(told[1].bytes, vectors);
+  EXPECT_LT(told[1].bytes, 2 * vectors);
+  EXPECT_LT(told[0].bytes, 16384);
+  EXPECT_EQ(FMDX_ListBodies("A.MASTER", nullptr, nullptr), 2);
+}
+
+TEST_F(Browser, ListsNoSizesOfWhatIsNoDatabase) {
+  std::ofstream("B.MASTER") << "no database";
+  std::vector<Told> told;
+  EXPECT_EQ(FMDX_ListBodies("B.MASTER", note, &told), -1);
+  EXPECT_EQ(FMDX_ListBodies("missing.MASTER", note, &told), -1);
+  EXPECT_TRUE(told.empty());
 }
 
 TEST_F(Browser, LongestRowHas255Characters) {

@@ -5,7 +5,6 @@
 #include <numeric>
 #include <vector>
 
-#include "fmdtoolkit/extensions.h"
 #include "solverdb/scratch.h"
 #include "solverdb/scratch_stream.h"
 
@@ -28,19 +27,6 @@ TEST_F(RecordsTest, IntsComeBackInOrder) {
   write_ints({4});
   reopen();
   EXPECT_EQ(read_ints(4), (std::vector<int>{1, -2, 3, 4}));
-}
-
-// A record ends with a mark of one word.
-TEST_F(RecordsTest, TheBytesOfADatablockAreThoseOfItsWordsAndMarks) {
-  EXPECT_EQ(FMDX_DatablockBytes(stream.Block), 0);
-  write_ints({1, -2, 3});
-  EXPECT_EQ(DB_WriteEOR(stream), 1);
-  write_ints({4});
-  EXPECT_EQ(FMDX_DatablockBytes(stream.Block), 20);
-  reopen();
-  EXPECT_EQ(FMDX_DatablockBytes(stream.Block), 20);
-  EXPECT_EQ(FMDX_DatablockBytes(0), -1);
-  EXPECT_EQ(FMDX_DatablockBytes(stream.Block + 1000), -1);
 }
 
 TEST_F(RecordsTest, TextOfFiveBytesTakesTwoWordsThePaddingZero) {

@@ -1,6 +1,7 @@
 // The commands that keep bodies in databases: store, list, contents, export, copy.
 #include <algorithm>
 #include <filesystem>
+#include <thread>
 
 #include "dataset_reader/dataset_reader.h"
 #include "tools/fmdtool_database_support.h"
@@ -192,4 +193,31 @@ TEST_F(FmdtoolDatabaseTest, ACopyHasTheFormOfItsOriginal) {
   }
   expect_done({"copy", "parts.MASTER", "other.MASTER", "--body", "3", "--option", "lowpass(5)"});
   EXPECT_EQ(list("other.MASTER")["bodies"][0]["modes"], 1);
+}
+
+// The second to come is turned away or waits its turn; what it says is what has been done.
+TEST_F(FmdtoolDatabaseTest, TwoWritersAtOnceSayWhatTheyDid) {
+  for (int round = 0; round < 4; ++round) {
+    const std::string database = round < 2 ? "new" + std::to_string(round) + ".MASTER" : "new0.MASTER";
+    const std::string names[2] = {"a" + std::to_string(round), "b" + std::to_string(round)};
+    const Labels before = std::filesystem::exists(database) ? labels(database) : Labels{};
+    Outcome outcomes[2];
+    std::thread other([&] { outcomes[1] = store(database, names[1]); });
+    outcomes[0] = store(database, names[0]);
+    other.join();
+    Labels expected = before;
+    for (int i = 0; i < 2; ++i) {
+      if (outcomes[i].exit_code == 0) {
+        expected.push_back(names[i]);
+      } else {
+        EXPECT_TRUE(contains(outcomes[i].errors, "fmdtool: error: ")) << outcomes[i].exit_code;
+      }
+    }
+    Labels found = labels(database);
+    std::sort(found.begin(), found.end());
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(found, expected);
+    EXPECT_GT(found.size(), before.size());
+  }
+  EXPECT_EQ(made(), (Names{"new0.MASTER", "new1.MASTER"}));
 }

@@ -16,6 +16,11 @@ constexpr std::size_t row_bytes = 256;
   throw std::runtime_error(text);
 }
 
+void add_body(int nodes, int modes, long long bytes, void* list) {
+  auto& bodies = *static_cast<std::vector<StoredBody>*>(list);
+  bodies.push_back({static_cast<int>(bodies.size()) + 1, {}, nodes, modes, bytes});
+}
+
 std::string numbers_of(const std::vector<StoredBody>& bodies) {
   constexpr std::size_t most = 10;
   std::string text;
@@ -32,19 +37,15 @@ Database::Database(fs::path path, std::string name) : path_(std::move(path)), na
   if (!fs::exists(path_, error)) refuse(name_ + ": no such file");
   std::string text = path_.string();
   if (DB_CheckDBset(text.data()) != 0) refuse(name_ + ": expected a database, NAME.MASTER");
-  const int count = DB_BodyCount(text.data());
-  // A database without bodies and one whose list cannot be read look alike.
-  if (count == 0 && FMDX_CheckDatabase(
-                        text.c_str(), [](const char*, void*) {}, nullptr) != 0) {
+  if (FMDX_ListBodies(text.c_str(), add_body, &bodies_) < 0) {
     refuse(name_ + ": the database cannot be read; `fmdtool check` tells what is wrong");
   }
-  for (int number = 1; number <= count; ++number) {
+  for (StoredBody& body : bodies_) {
     char row[row_bytes] = {};
-    StoredBody body{number, {}};
-    if (DB_GetBodyInfo(text.data(), number, row) == 0 || !parse_qualifiers(row, body.qualifiers).empty()) {
+    if (DB_GetBodyInfo(text.data(), body.number, row) == 0 ||
+        !parse_qualifiers(row, body.qualifiers).empty()) {
       refuse(place_of(body) + ": the qualifiers cannot be read");
     }
-    bodies_.push_back(body);
   }
 }
 

@@ -21,8 +21,11 @@ class ToolkitSession {
 };
 
 struct StoredBody {
-  int number;  // its place in the database, from 1
+  int number = 0;  // its place in the database, from 1
   Qualifiers qualifiers;
+  int nodes = 0;
+  int modes = 0;
+  long long bytes = 0;  // of its words
 };
 
 // Which bodies a command is about: one by its place, or those with some qualifiers, or all.
