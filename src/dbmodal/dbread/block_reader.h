@@ -14,6 +14,9 @@
 
 namespace fmd {
 
+// Of what is not there: nothing can be read from this place.
+constexpr FmdPosition kNoPosition = {{-1, -1}};
+
 class BlockReader {
  public:
   explicit BlockReader(FmdBody& target) : body(target) {}

@@ -65,10 +65,12 @@ bool walk_modes(BlockReader& reader, int type) {
   if (!provide_positions(body, type, modes)) return false;
   const std::int64_t stride = 12 * std::int64_t{counts[1]} + 1;
   if (counts[1] < 0 || !reader.skip_words(counts[1])) return true;
+  bool is_there = true;
   for (std::int32_t mode = 0; mode < modes; ++mode) {
-    DB_FSAVE(&body.ModePositions[type][mode], body.DataFile);
-    // Beyond the end of the record the stream stays there, and so do the places of the modes that follow.
-    reader.skip_words(stride);
+    FmdPosition& position = body.ModePositions[type][mode];
+    position = fmd::kNoPosition;
+    if (is_there) DB_FSAVE(&position, body.DataFile);
+    is_there = is_there && reader.skip_words(stride);
   }
   return true;
 }

@@ -123,8 +123,7 @@ bool complete_positions(FmdBody& body) {
       fmd::report_allocation_failure("dbread");
       return false;
     }
-    std::fill(body.ModePositions[type] + known, body.ModePositions[type] + body.ModeCount,
-              FmdPosition{{-1, -1}});
+    std::fill(body.ModePositions[type] + known, body.ModePositions[type] + body.ModeCount, fmd::kNoPosition);
     body.ModePositionCount[type] = body.ModeCount;
   }
   return true;

@@ -157,7 +157,7 @@ bool read_shape_nodes(BlockReader& reader, std::int32_t count) {
   if (nodes == nullptr) return false;
   if (!reader.read_ints(ids.get(), count)) return fail_at_shapes();
   if (!order_nodes(reader, ids.get(), count)) return false;
-  for (std::int32_t i = 0; i < count; ++i) nodes[static_cast<std::size_t>(i)] = body.Nodes + i;
+  for (std::int32_t i = 0; i < body.NodeCount; ++i) nodes[static_cast<std::size_t>(i)] = body.Nodes + i;
   install(body.ModeNodes[kShape], nodes);
   return true;
 }

@@ -113,11 +113,12 @@ bool read_nodal_masses(BlockReader& reader) {
   FmdBody& body = reader.body;
   std::int32_t counts[2];
   if (!reader.read_ints(counts, 2) || counts[1] < 1) return fail_at_masses();
-  if (!reader.has(counts[0], 1) || !reader.has(counts[1], 1)) return fail_at_masses();
+  if (!reader.has(counts[0], 1 + reader.words_per_real() * counts[1])) return fail_at_masses();
   if (counts[1] > 1) {
     FMD_Warning("Each node must possess a single scalar mass");
     FMD_Warning("Generating scalar by averaging %d values", counts[1]);
   }
+  if (counts[0] == 0) return true;
   const auto values = allocate<double>(counts[1], "dbread");
   // Without the table of ids every node would seem unknown.
   if (values == nullptr || !provide_sorted(body, kShape)) return fail_at_masses();

@@ -29,8 +29,8 @@ bool grow_tables(FmdBody& body, std::int64_t room) {
 }
 
 // Pointers into a node table that has moved are found again by their distance from its old start.
-void move_pointers(FmdBody& body, std::uintptr_t old_nodes) {
-  for (int type = 0; type < TOTAL_MODE_INFO_TYPES; ++type) {
+void move_pointers(FmdBody& body, std::uintptr_t old_nodes, int first_type) {
+  for (int type = first_type; type < TOTAL_MODE_INFO_TYPES; ++type) {
     if (body.ModeNodes[type] == nullptr) continue;
     for (int place = 0; place < body.ModeNodeCount[type]; ++place) {
       FmdNode*& node = body.ModeNodes[type][place];
@@ -39,13 +39,22 @@ void move_pointers(FmdBody& body, std::uintptr_t old_nodes) {
   }
 }
 
+void fill_mode_nodes(FmdBody& body) {
+  if (body.ModeNodes[fmd::kShape] == nullptr) return;
+  for (int node = 0; node < body.NodeCount; ++node) body.ModeNodes[fmd::kShape][node] = body.Nodes + node;
+}
+
 // Storage for as many nodes as the capacity tells, and some ahead.
 bool reserve_nodes(FmdBody& body) {
   const std::int64_t room = room_for(body, body.NodeCapacity);
   const auto old_nodes = reinterpret_cast<std::uintptr_t>(body.Nodes);
+  const bool lacks_mode_nodes = body.ModeNodes[fmd::kShape] == nullptr;
   const bool grown = grow_tables(body, room);
+  // A body may have come with nodes but without mode shapes.
+  if (lacks_mode_nodes) fill_mode_nodes(body);
   body.SortedModeNodes[fmd::kShape] = body.SortedNodes;
-  if (reinterpret_cast<std::uintptr_t>(body.Nodes) != old_nodes) move_pointers(body, old_nodes);
+  if (reinterpret_cast<std::uintptr_t>(body.Nodes) != old_nodes)
+    move_pointers(body, old_nodes, lacks_mode_nodes ? fmd::kStress : fmd::kShape);
   if (!grown) {
     fmd::report_allocation_failure("dbset");
     return false;
