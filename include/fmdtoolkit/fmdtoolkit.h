@@ -744,9 +744,10 @@ int FMD_write_FMD(FmdBody* body, char* path);
 int FMD_write_DB(FmdBody* body, char* path, char* qualifiers);
 
 /* Moves a body to a new reference point and modal basis: masses and nodal inertias times massScale, mode
-   vectors through the matrix transform (mode count squared, row by row; null for none), then points and
-   vectors less origin (3) and turned by rotation (9, column by column; none where the diagonal holds ones).
-   The body has modeCount modes then. Global mass and inertia, nodal inertias and monitor points stay. */
+   vectors through the matrix transform (mode count squared, row by row; a column for each new mode), then
+   points less origin (3), and points and vectors turned by rotation (9, row by row, the matrix R of R x for a
+   column x; none where its diagonal holds ones). The body has modeCount modes then. Global mass and inertia,
+   nodal inertias and monitor points are not turned. */
 void FMD_PermuteFMD(FmdBody* body, double* origin, int modeCount, double massScale, double* transform,
                     double* rotation);
 

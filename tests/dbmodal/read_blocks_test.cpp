@@ -7,6 +7,7 @@
 #include "body/matrix_operator.h"
 #include "body/monitor_point.h"
 #include "dbmodal/read_fixture.h"
+#include "messages/memory.h"
 
 namespace fmdtest {
 
@@ -156,9 +157,9 @@ void expect_loads_and_more(FmdBody* body) {
 // Lengths are in millimetres, masses in grams; what is fetched later is in the units of the file.
 void expect_invariants(FmdBody* body) {
   EXPECT_EQ(FMD_Invar1(body), 8.0);
-  const double* const second = FMD_Invar2(body);
+  const fmd::CArray<double> second(FMD_Invar2(body));
   ASSERT_NE(second, nullptr);
-  EXPECT_EQ(Doubles(second, second + 3), (Doubles{20, 20.125, 20.25}));
+  EXPECT_EQ(Doubles(second.get(), second.get() + 3), (Doubles{20, 20.125, 20.25}));
 }
 
 using ReadBlocks = ReadTest;
