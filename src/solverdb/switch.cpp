@@ -184,19 +184,21 @@ bool reopen_blocks(FmdBody& body) {
   return true;
 }
 
+// Closing the target commits what was stored.
+bool leave_target(const FmdBody& body, const char* path, const std::string& restart) {
+  if (fmd::run_command("undblocate logical=*") != kdcdb::kOk || fmd::close_database() != kdcdb::kOk)
+    return false;
+  if (!begin_on(fmd::session_base_name(), restart) || !take_scratch_home(body, path)) return false;
+  return fmd::close_database() == kdcdb::kOk && clean_target(path) &&
+         begin_on(fmd::session_base_name(), restart);
+}
+
 bool term_write(const FmdBody* body, const char* path) {
   close_blocks(*body);
-  // Closing the target commits what was stored.
-  const Status status = fmd::run_command("undblocate logical=*");
-  if (status != kdcdb::kOk) return false;
-  if (fmd::close_database() != kdcdb::kOk) {
+  if (!leave_target(*body, path, restart_text())) {
     FMD_Error("Problem closing %s.", path);
     return false;
   }
-  const std::string restart = restart_text();
-  if (!begin_on(fmd::session_base_name(), restart) || !take_scratch_home(*body, path)) return false;
-  if (fmd::close_database() != kdcdb::kOk || !clean_target(path)) return false;
-  if (!begin_on(fmd::session_base_name(), restart)) return false;
   for (FmdBody* other = fmd::first_body(); other != nullptr; other = other->Next) {
     if (!reopen_blocks(*other)) return false;
   }

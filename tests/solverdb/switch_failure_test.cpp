@@ -413,6 +413,11 @@ TEST_P(FailingCalls, FullDiskLosesNothingOfABodyMadeForWriting) {
   EXPECT_EQ(told_, kToldOfAFullDisk);
 }
 
+TEST_P(FailingCalls, AnyFailingCallLosesNothing) {
+  make_databases(30);
+  sweep(true, false, [](long call) { return std::make_unique<fmdtest::FailingFileSystem>(call, EIO); });
+}
+
 std::string name_of(const ::testing::TestParamInfo<Target>& tested) {
   const std::string names[] = {"New", "Added", "Replaced"};
   return names[static_cast<int>(tested.param)];
