@@ -56,10 +56,13 @@ __attribute__((target("sse4.2"))) void continue_four(const unsigned char* const 
 
 }  // namespace
 
+std::uint32_t crc32c_by_table(const void* bytes, std::size_t count, std::uint32_t before) {
+  return ~continue_by_table(static_cast<const unsigned char*>(bytes), count, ~before);
+}
+
 std::uint32_t crc32c(const void* bytes, std::size_t count, std::uint32_t before) {
-  const auto* at = static_cast<const unsigned char*>(bytes);
-  return ~(has_instruction() ? continue_by_instruction(at, count, ~before)
-                             : continue_by_table(at, count, ~before));
+  if (!has_instruction()) return crc32c_by_table(bytes, count, before);
+  return ~continue_by_instruction(static_cast<const unsigned char*>(bytes), count, ~before);
 }
 
 void crc32c_of_four(const void* const bytes[4], std::size_t count, std::uint32_t crc[4]) {

@@ -375,7 +375,7 @@ TEST_F(QualifiersTest, ThatMakeNoSenseAreRefused) {
   EXPECT_EQ(create("selabel='\xC3\xA4rm'"), kdcdb::kOk);
 }
 
-// SELABEL='...',PROJNO=1,VERSION=1,PEID=0,DESITER=0,STEPCUR=0 has 255 characters with a label of 198.
+// SELABEL='...',PROJNO=1,VERSION=1,PEID=0,DESITER=0,STEPCUR=0 has 255 characters with a label of 199.
 TEST_F(QualifiersTest, LabelFillsARowAndNoMore) {
   const std::string row = "SELABEL='',PROJNO=1,VERSION=1,PEID=0,DESITER=0,STEPCUR=0";
   const std::string longest(255 - row.size(), 'x');

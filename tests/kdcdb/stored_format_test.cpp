@@ -133,6 +133,7 @@ TEST(StoredFormat, ChecksumIsTheSameAtEveryAlignmentAndLength) {
         for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ ((crc & 1U) != 0 ? 0x82F63B78U : 0U);
       }
       EXPECT_EQ(kdcdb::crc32c(bytes.data() + start, count), ~crc) << start << ' ' << count;
+      EXPECT_EQ(kdcdb::crc32c_by_table(bytes.data() + start, count), ~crc) << start << ' ' << count;
     }
   }
 }
