@@ -43,6 +43,16 @@ TEST_F(FmdtoolDatabaseTest, StoresABodyAndListsItInATable) {
   EXPECT_EQ(made(), (Names{"parts.MASTER"}));
 }
 
+TEST_F(FmdtoolDatabaseTest, ExplainsEachCommandAndItsExitStatus) {
+  for (const char* command : {"list", "contents", "export", "copy", "transform", "check"}) {
+    const std::string help = expect_done({command, "--help"});
+    EXPECT_TRUE(contains(help, "Exit status: 0 when")) << command;
+    EXPECT_TRUE(contains(help, std::string("  fmdtool ") + command + " parts.MASTER")) << command;
+  }
+  EXPECT_TRUE(contains(expect_done({"store", "calculix", "--help"}), "Exit status: 0 when"));
+  EXPECT_TRUE(contains(expect_done({"translate", "calculix", "--help"}), "Exit status: 0 when"));
+}
+
 TEST_F(FmdtoolDatabaseTest, ListsInJson) {
   expect_stored("parts.MASTER", "SELABEL='a, b',PROJNO=2,VERSION=3,PEID=-4,DESITER=5,STEPCUR=6");
   const auto json = list("parts.MASTER");

@@ -25,7 +25,7 @@ constexpr const char* footer =
     "  fmdtool check parts.MASTER && echo sound\n"
     "\n"
     "Exit status: 0 when the database is sound, 1 when it is damaged, 2 when it cannot be checked, for\n"
-    "instance because it is no database.\n";
+    "instance because it is no database; above 100 for a command line that is not understood.\n";
 
 // What the walk over the file finds.
 Verdict walk(const std::string& path, std::vector<std::string>& findings) {

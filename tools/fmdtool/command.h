@@ -29,7 +29,9 @@ void add_write_options(CLI::App& command, std::vector<std::string>& options);
 void add_qualifiers(CLI::App& command, std::string& qualifiers);
 
 constexpr const char* exit_status =
-    "Exit status: 0 when all was done, 1 when not; an error is told in one line.\n";
+    "Exit status: 0 when all was done, 1 when not, above 100 for a command line that is not understood. What "
+    "went\n"
+    "wrong is told on standard error.\n";
 
 }  // namespace fmdtool
 

@@ -22,12 +22,16 @@ constexpr const char* footer =
     "any other command.\n"
     "\n";
 
+constexpr const char* database_example =
+    "  fmdtool store calculix bracket_free.frd.gz --deck bracket_free.inp --database parts.MASTER\n"
+    "  fmdtool list parts.MASTER\n";
+
 int run(int count, char** arguments) {
   CLI::App app(
       "Flexible bodies for multibody dynamics: makes Flexible Modal Datasets from finite-element results and "
       "keeps them in databases");
   app.name("fmdtool");
-  app.footer(std::string(footer) + fmdtool::translate_example);
+  app.footer(std::string(footer) + fmdtool::translate_example + database_example);
   app.set_version_flag("--version", "fmdtool " FMDTOOL_VERSION, "Print the version and exit");
   app.require_subcommand(1);
   fmdtool::Work work;
