@@ -158,6 +158,14 @@ void ReadTest::expect_failure(const Datablock& datablock, const Strings& errors,
   EXPECT_EQ(log.warnings, warnings);
 }
 
+FmdBody* ReadTest::expect_body(const Datablock& datablock, const Strings& errors, const Strings& warnings) {
+  FmdBody* const body = read(datablock);
+  EXPECT_NE(body, nullptr);
+  EXPECT_EQ(log.errors, errors);
+  EXPECT_EQ(log.warnings, warnings);
+  return body;
+}
+
 std::string contents_of(FmdBody* body) {
   char* text = nullptr;
   std::size_t size = 0;

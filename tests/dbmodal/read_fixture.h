@@ -50,6 +50,8 @@ class ReadTest : public SessionTest {
 
   // Opening this must fail with these errors, and no warnings but these.
   void expect_failure(const Datablock& datablock, const Strings& errors, const Strings& warnings = {});
+  // Opening this must succeed, with these errors and warnings.
+  FmdBody* expect_body(const Datablock& datablock, const Strings& errors, const Strings& warnings = {});
 
   std::string master = "composed.MASTER";
   UnsyncedFileSystem files;

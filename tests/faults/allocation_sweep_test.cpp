@@ -135,6 +135,63 @@ TEST_P(AllocationSweepOfWrites, CompleteOrLeaveNoFile) {
 
 INSTANTIATE_TEST_SUITE_P(Options, AllocationSweepOfWrites, fmdtest::write_options());
 
+// A body that memory does not let be stored leaves those that were there, whatever it would have replaced.
+class AllocationSweepOfStores : public fmdtest::SessionTest, public testing::WithParamInterface<const char*> {
+ protected:
+  bool stores(const char* qualifiers) {
+    Scene scene;
+    fmdtest::full_body(scene);
+    std::string text = qualifiers;
+    const bool done = FMD_write_DB(scene.body, master, text.data()) == 1;
+    fmdtest::leave(scene);
+    return done;
+  }
+
+  // The number of bodies, of which each is read to its last vector; 0 where one is not.
+  int whole_bodies() {
+    const int count = DB_BodyCount(master);
+    for (int index = 1; index <= count; ++index) {
+      FmdBody* const body = FMD_CreateFromFMD(master, index);
+      double half[3] = {};
+      const bool is_whole = body != nullptr && FMD_NodeCount(body) == fmdtest::kSceneNodes &&
+                            FMD_ModeByNode(body, 2, 0, fmdtest::kFirstNode, half, 0) == 1;
+      if (!is_whole) return 0;
+    }
+    FMD_Terminate();
+    return count;
+  }
+
+  int most_bodies() const { return std::string(GetParam()) == "PEID=1" ? 1 : 2; }
+
+  char master[16] = "stored.MASTER";
+  QuietLog said;
+  fmdtest::UnsyncedFileSystem files;
+};
+
+TEST_P(AllocationSweepOfStores, KeepWhatWasStored) {
+  ASSERT_TRUE(stores("PEID=1"));
+  bool has_failed = true;
+  for (long nth = 1; has_failed && !HasFailure(); nth += 7) {
+    SCOPED_TRACE("allocation " + std::to_string(nth));
+    Scene scene;
+    fmdtest::full_body(scene);
+    std::string qualifiers = GetParam();
+    FailingAllocation failing(nth);
+    const bool done = FMD_write_DB(scene.body, master, qualifiers.data()) == 1;
+    has_failed = failing.end();
+    EXPECT_TRUE(done || has_failed);
+    fmdtest::leave(scene);
+    const int count = whole_bodies();
+    EXPECT_GE(count, done ? most_bodies() : 1);
+    EXPECT_LE(count, most_bodies());
+    ASSERT_LT(nth, kMostAllocations);
+  }
+  EXPECT_TRUE(stores("PEID=3"));
+  EXPECT_EQ(whole_bodies(), most_bodies() + 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Qualifiers, AllocationSweepOfStores, testing::Values("PEID=1", "PEID=2"));
+
 // A name on a line of its own in the list of exports.
 std::set<std::string> exported_names() {
   std::set<std::string> names;
