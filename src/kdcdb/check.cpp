@@ -9,6 +9,8 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "kdcdb/block_directory.h"
 #include "kdcdb/crc32c.h"
@@ -38,6 +40,28 @@ const StoredEntry* find_serial(const std::vector<StoredEntry>& entries, std::uin
   const auto found = std::find_if(entries.begin(), entries.end(),
                                   [&](const StoredEntry& entry) { return entry.serial == serial; });
   return found == entries.end() ? nullptr : &*found;
+}
+
+// What is wrong with a page that holds a root.
+std::vector<std::string> faults_of_slot(const PageBytes& bytes, std::uint64_t page, std::uint64_t file_id) {
+  std::vector<std::string> faults;
+  for (const int copy : {1, 2}) {
+    RootBytes root_bytes;
+    Root root;
+    std::copy_n(bytes.begin() + (copy == 1 ? 0 : kSecondRoot), kRootBytes, root_bytes.begin());
+    if (root_bytes == RootBytes{}) continue;
+    const std::string which = "copy " + std::to_string(copy) + " of the root ";
+    if (!decode_root(root_bytes, file_id, root)) {
+      faults.push_back(which + "is damaged.");
+    } else if (root_page(root.generation) != static_cast<std::int64_t>(page)) {
+      faults.push_back(which + "has generation " + std::to_string(root.generation) +
+                       ", which belongs to the other page.");
+    }
+  }
+  const bool rest_is_zero = is_zero(bytes.data() + kRootBytes, bytes.data() + kSecondRoot) &&
+                            is_zero(bytes.data() + kSecondRoot + kRootBytes, bytes.data() + kPageBytes);
+  if (!rest_is_zero) faults.push_back("bytes beside the root are not zero.");
+  return faults;
 }
 
 class Checker {
@@ -94,27 +118,19 @@ void Checker::check_rest(std::uint64_t page, std::size_t used, const char* what)
     say("Page %" PRIu64 ": the rest of the page behind %s is not zero.", page, what);
 }
 
+// A writer may be at it now: only what is wrong twice is wrong.
 void Checker::check_slot(std::uint64_t page, std::uint64_t file_id) {
-  PageBytes bytes;
-  if (read(page, bytes.data(), bytes.size()) != kOk) return say("Page %" PRIu64 ": cannot be read.", page);
-  int copy = 0;
-  for (const int at : {0, kSecondRoot}) {
-    ++copy;
-    RootBytes root_bytes;
-    Root root;
-    std::copy_n(bytes.begin() + at, kRootBytes, root_bytes.begin());
-    if (root_bytes == RootBytes{}) continue;
-    if (!decode_root(root_bytes, file_id, root)) {
-      say("Page %" PRIu64 ": copy %d of the root is damaged.", page, copy);
-    } else if (root_page(root.generation) != static_cast<std::int64_t>(page)) {
-      say("Page %" PRIu64 ": copy %d of the root has generation %" PRIu64
-          ", which belongs to the other page.",
-          page, copy, root.generation);
+  std::vector<std::string> faults;
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    PageBytes bytes;
+    if (read(page, bytes.data(), bytes.size()) == kOk) {
+      faults = faults_of_slot(bytes, page, file_id);
+    } else {
+      faults = {"cannot be read."};
     }
+    if (faults.empty()) return;
   }
-  const bool rest_is_zero = is_zero(bytes.data() + kRootBytes, bytes.data() + kSecondRoot) &&
-                            is_zero(bytes.data() + kSecondRoot + kRootBytes, bytes.data() + kPageBytes);
-  if (!rest_is_zero) say("Page %" PRIu64 ": bytes beside the root are not zero.", page);
+  for (const std::string& fault : faults) say("Page %" PRIu64 ": %s", page, fault.c_str());
 }
 
 bool Checker::check_state(const MasterContent& content, const Root& root, std::vector<StoredEntry>& entries) {

@@ -203,6 +203,40 @@ TEST_F(LinksTest, StoredDatablockIsNeverWrittenThroughALink) {
   expect_body(key, left);
 }
 
+// Records of 5 and 9000 words: marks at words 5 and 9006.
+TEST_F(LinksTest, PlacesBeforeAndBehindAMarkAreTwo) {
+  locate_one();
+  const int key = by_mark("fmddb", 1);
+  ASSERT_EQ(kdcdb::Gopen(key, kdcdb::kOpenExisting), kdcdb::kOk);
+  struct Place {
+    std::int64_t position;
+    bool end_of_record;
+    bool end_of_file;
+    std::int64_t remaining;
+  };
+  for (const Place& place :
+       {Place{0, false, false, 5}, Place{5, true, false, 0}, Place{6, false, false, 9000},
+        Place{9006, true, false, 0}, Place{9007, false, true, 0}}) {
+    ASSERT_EQ(kdcdb::Filps3(key, place.position), kdcdb::kOk);
+    std::int64_t position = -1;
+    std::int64_t remaining = -1;
+    bool end_of_record = !place.end_of_record;
+    bool end_of_file = !place.end_of_file;
+    ASSERT_EQ(kdcdb::Savps3(key, &position, &end_of_record, &end_of_file), kdcdb::kOk);
+    EXPECT_EQ(position, place.position);
+    EXPECT_EQ(end_of_record, place.end_of_record) << position;
+    EXPECT_EQ(end_of_file, place.end_of_file) << position;
+    EXPECT_EQ(kdcdb::Remaining(key, &remaining), kdcdb::kOk);
+    EXPECT_EQ(remaining, place.remaining) << position;
+    std::int32_t word = 0;
+    std::int64_t actual = -1;
+    EXPECT_EQ(kdcdb::Read(key, &word, 1, &actual), remaining > 0 ? kdcdb::kOk : kdcdb::kEndOfRecord);
+    EXPECT_EQ(actual, remaining > 0 ? 1 : 0);
+  }
+  EXPECT_EQ(kdcdb::Filps3(key, 9008), kdcdb::kBadPosition);
+  EXPECT_EQ(kdcdb::Filps3(key, -1), kdcdb::kBadPosition);
+}
+
 TEST_F(LinksTest, DroppingLinksDropsNothingElse) {
   locate_one();
   expect_ok("assign other='" + kOne + ".MASTER'");
