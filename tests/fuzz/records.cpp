@@ -10,58 +10,27 @@
 #include "fuzz/full_body.h"
 #include "fuzz/fuzzing.h"
 #include "fuzz/read_everything.h"
+#include "fuzz/record_stream.h"
 #include "kdcdb/crc32c.h"
-#include "kdcdb/kdcdb.h"
 
 namespace {
 
 using fuzz::Bytes;
+using fuzz::kTrailerWords;
 using fuzz::Random;
+using fuzz::Stream;
 using fuzz::Words;
 
 constexpr std::uint32_t kHasTable = 1U << 12;
-constexpr std::size_t kTrailerWords = 6;
 constexpr std::size_t kMostWords = 1 << 16;
-
-struct Stream {
-  Words trailer = Words(kTrailerWords);
-  std::vector<Words> records;
-};
 
 std::vector<Stream> seeds;
 
-Stream read_stream(int block) {
-  Stream stream;
-  std::int32_t trailer[kdcdb::kTrailerWords] = {block};
-  kdcdb::Rdtrl(trailer);
-  stream.trailer.assign(trailer + 1, trailer + kdcdb::kTrailerWords);
-  std::int64_t left = 0;
-  do {
-    if (kdcdb::Remaining(block, &left) != kdcdb::kOk) break;
-    Words record(static_cast<std::size_t>(left));
-    std::int64_t actual = 0;
-    kdcdb::Read(block, record.data(), left, &actual);
-    if (left > 0) stream.records.push_back(std::move(record));
-  } while (kdcdb::Fwdrec(block) == kdcdb::kOk);
-  return stream;
-}
-
 void make_seeds() {
-  char path[] = "seed.MASTER";
-  char qualifiers[] = "";
   for (const char* options : fuzz::kWriteOptions) {
-    setenv("KXI_FMDWRITE_OPTIONS", options, 1);
     for (const bool diagonal : {true, false}) {
-      if (FMD_write_DB(fuzz::make_full_body(diagonal), path, qualifiers) != 1) std::abort();
-      FMD_Terminate();
-      int mark = 0;
-      const int block = DB_OpenDatablk(path, 1, &mark);
-      if (block == 0) std::abort();
-      seeds.push_back(read_stream(block));
+      seeds.push_back(fuzz::stored_stream(fuzz::make_full_body(diagonal), options));
       if (seeds.back().records.size() < 10) std::abort();
-      DB_CloseDatablk(block);
-      FMD_Terminate();
-      unlink(path);
     }
   }
 }
@@ -162,30 +131,9 @@ Bytes make(Random& random) {
   return encode(stream);
 }
 
-void write_stream(const Stream& stream, int block) {
-  FmdStream records{};
-  records.Block = block;
-  for (const Words& record : stream.records) {
-    DB_WriteINTs(records, record.data(), static_cast<int>(record.size()));
-    DB_WriteEOR(records);
-  }
-  Words trailer = {block};
-  trailer.insert(trailer.end(), stream.trailer.begin(), stream.trailer.end());
-  DB_WriteTrailer(trailer.data());
-  kdcdb::Close(block, 1);
-}
-
 void run(const Bytes& bytes) {
-  char path[] = "input.MASTER";
-  char qualifiers[] = "SELABEL='input'";
-  DB_StartBase();
-  FmdBody* const body = FMD_Create(1, 1);
-  if (DB_StartWrite(body, path) == 0) std::abort();
-  const int block = DB_CreateFMDblk(qualifiers);
-  if (block == 0) std::abort();
-  write_stream(decode(bytes), block);
-  if (DB_TermWrite(body, path) == 0) std::abort();
-  FMD_UnLink(body);
+  const char* const path = "input.MASTER";
+  if (!fuzz::store_stream(decode(bytes), path)) std::abort();
   fuzz::use_database(path, kdcdb::crc32c(bytes.data(), bytes.size()));
   unlink(path);
 }

@@ -1,4 +1,5 @@
 // Generalized stiffness, mass and damping, and the mode shape transformation.
+#include "dbmodal/damping_rows.h"
 #include "dbmodal/dbtoc/listing.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 
@@ -67,7 +68,7 @@ void list_damping(FmdBody* body, std::FILE* out) {
         "Note:\tThe generalized damping matrix has not been projected onto\n\tprincipal coordinates.  "
         "Rows and columns correspond to rigid body\n\tand flexible modes.\n\n");
   }
-  if (print_entries(body, out, count, FMD_GenDampSparse, [](int index) { return index + 1; })) {
+  if (print_entries(body, out, count, FMD_GenDampSparse, counted_from_one)) {
     std::fprintf(out, "\n");
   }
 }

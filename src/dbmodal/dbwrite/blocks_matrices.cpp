@@ -1,6 +1,7 @@
 // Blocks over pairs of modes or of the rigid body: generalized stiffness (12), mass (13) and damping (15),
 // mode shape transformation (16), and the invariants 1, 2 and 7 (19, 20, 24).
 #include "dbmodal/block_table.h"
+#include "dbmodal/damping_rows.h"
 #include "dbmodal/dbwrite/job.h"
 #include "fmdtoolkit/fmdtoolkit.h"
 #include "messages/memory.h"
@@ -65,7 +66,7 @@ bool write_generalized_damping(WriteJob& job) {
   if (!fetch(job.body, FMD_NumberOfGenDamp(job.body), FMD_GenDampSparse, matrix)) return false;
   job.sink->put_int(matrix.count);
   job.sink->put_int(job.body->DampingOnPrincipalAxes);
-  put_entries(job, matrix, [](int index) { return index + 1; });
+  put_entries(job, matrix, counted_from_one);
   return true;
 }
 
