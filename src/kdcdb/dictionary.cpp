@@ -1,7 +1,7 @@
 #include "kdcdb/dictionary.h"
 
 #include <algorithm>
-#include <set>
+#include <tuple>
 
 #include "kdcdb/little_endian.h"
 #include "kdcdb/master_pages.h"
@@ -112,12 +112,19 @@ bool overlap(const std::vector<Extent>& ascending) {
 
 // No two entries may have one serial or one set of qualifiers.
 bool are_distinct(const std::vector<StoredEntry>& entries) {
-  std::set<std::uint64_t> serials;
-  std::set<std::pair<std::array<std::int32_t, kQualifierNumbers>, std::string>> qualifiers;
-  return std::all_of(entries.begin(), entries.end(), [&](const StoredEntry& entry) {
-    return serials.insert(entry.serial).second &&
-           qualifiers.emplace(entry.qualifiers.numbers, entry.qualifiers.label).second;
-  });
+  std::vector<std::uint64_t> serials;
+  std::vector<const Qualifiers*> qualifiers;
+  for (const StoredEntry& entry : entries) {
+    serials.push_back(entry.serial);
+    qualifiers.push_back(&entry.qualifiers);
+  }
+  const auto key = [](const Qualifiers* of) { return std::tie(of->numbers, of->label); };
+  std::sort(serials.begin(), serials.end());
+  std::sort(qualifiers.begin(), qualifiers.end(),
+            [&](const Qualifiers* a, const Qualifiers* b) { return key(a) < key(b); });
+  const auto same = [&](const Qualifiers* a, const Qualifiers* b) { return key(a) == key(b); };
+  return std::adjacent_find(serials.begin(), serials.end()) == serials.end() &&
+         std::adjacent_find(qualifiers.begin(), qualifiers.end(), same) == qualifiers.end();
 }
 
 }  // namespace

@@ -37,34 +37,42 @@ std::string cell(const Qualifiers& qualifiers, const Column& column) {
   return "'" + qualifiers.label + "'";
 }
 
-void add_line(const std::vector<std::string>& cells, const std::vector<std::size_t>& widths,
+// The cells of one line, each but the last filled up to the width of its column.
+template <typename CellOf>
+void add_line(const std::vector<Column>& columns, const std::vector<std::size_t>& widths, CellOf cell_of,
               std::string& text) {
-  for (std::size_t i = 0; i < cells.size(); ++i) {
-    text += cells[i];
-    if (i + 1 < cells.size()) text.append(widths[i] - cells[i].size() + 1, ' ');
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const std::string shown = cell_of(columns[i]);
+    text += shown;
+    if (i + 1 < columns.size()) text.append(widths[i] - shown.size() + 1, ' ');
   }
   text += '\n';
 }
 
+std::size_t width_of(const Column& column, const std::vector<Link>& rows) {
+  std::size_t width = column.title.size();
+  for (const Link& row : rows) width = std::max(width, cell(row.qualifiers, column).size());
+  return width;
+}
+
+// Cells are made twice, for the widths and for the text: a database of many bodies would fill memory with
+// them.
 std::string format(const std::vector<Column>& columns, const std::vector<Link>& rows) {
-  std::vector<std::vector<std::string>> lines(1);
-  for (const Column& column : columns) lines[0].push_back(column.title);
-  for (const Link& row : rows) {
-    std::vector<std::string> cells;
-    for (const Column& column : columns) cells.push_back(cell(row.qualifiers, column));
-    lines.push_back(std::move(cells));
-  }
-  std::vector<std::size_t> widths(columns.size());
+  std::vector<std::size_t> widths;
   std::size_t length = columns.size() - 1;
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    for (const auto& line : lines) widths[i] = std::max(widths[i], line[i].size());
-    length += widths[i];
+  for (const Column& column : columns) {
+    widths.push_back(width_of(column, rows));
+    length += widths.back();
   }
   std::string text;
-  add_line(lines[0], widths, text);
+  text.reserve((rows.size() + 2) * (length + 1));
+  add_line(
+      columns, widths, [](const Column& column) { return column.title; }, text);
   text.append(length, '-');
   text += '\n';
-  for (std::size_t i = 1; i < lines.size(); ++i) add_line(lines[i], widths, text);
+  for (const Link& row : rows)
+    add_line(
+        columns, widths, [&](const Column& column) { return cell(row.qualifiers, column); }, text);
   return text;
 }
 

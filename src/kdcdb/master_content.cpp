@@ -37,10 +37,15 @@ bool is_inside(const Extent& extent, const Root& root) {
          extent.pages <= root.end_page - extent.page;
 }
 
+bool overlap(const Extent& a, const Extent& b) {
+  return a.page < b.page + b.pages && b.page < a.page + a.pages;
+}
+
 bool is_apart(const Extent& extent, const std::vector<StoredEntry>& entries) {
-  const std::vector<Extent> occupied = occupied_extents(entries);
-  return std::none_of(occupied.begin(), occupied.end(), [&](const Extent& other) {
-    return other.page < extent.page + extent.pages && extent.page < other.page + other.pages;
+  return std::none_of(entries.begin(), entries.end(), [&](const StoredEntry& entry) {
+    return overlap(extent, directory_extent(entry)) ||
+           std::any_of(entry.extents.begin(), entry.extents.end(),
+                       [&](const Extent& other) { return overlap(extent, other); });
   });
 }
 
