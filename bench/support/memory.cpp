@@ -26,4 +26,8 @@ MemoryUse memory_use(const std::function<void()>& action) {
   return {before, status_megabytes("VmHWM") - before};
 }
 
+double peak_memory() {
+  return status_megabytes("VmHWM");
+}
+
 }  // namespace fmdbench

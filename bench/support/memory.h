@@ -13,6 +13,9 @@ struct MemoryUse {
 
 MemoryUse memory_use(const std::function<void()>& action);
 
+// MiB that this process has had resident at most.
+double peak_memory();
+
 }  // namespace fmdbench
 
 #endif
