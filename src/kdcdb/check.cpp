@@ -256,6 +256,9 @@ Status Checker::run(const char* path) {
   if (status == kDamaged && !found_) say("The file ends before its roots.");
   if (status != kOk) return status;
 
+  HeaderBytes header;
+  if (read(0, header.data(), header.size()) == kOk && !is_header_as_made(header, content.file_id))
+    say("Page 0: the header is not that of a database.");
   check_rest(0, kHeaderBytes, "the header");
   for (const std::uint64_t page : {1, 2}) check_slot(page, content.file_id);
   if (content.newest() == nullptr) say("Neither root is sound: what is stored cannot be found.");

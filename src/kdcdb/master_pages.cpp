@@ -77,6 +77,14 @@ Status decode_header(const HeaderBytes& bytes, std::uint64_t& file_id) {
   return kOk;
 }
 
+bool is_header_as_made(const HeaderBytes& bytes, std::uint64_t file_id) {
+  constexpr std::size_t kStamps = 4 * (kTimeStampRecord + 6);
+  constexpr std::size_t kBehindStamps = kStamps + 16;
+  const HeaderBytes made = encode_header(file_id, std::tm{});
+  return std::equal(bytes.begin(), bytes.begin() + kStamps, made.begin()) &&
+         std::equal(bytes.begin() + kBehindStamps, bytes.begin() + kHeaderCrc, made.begin() + kBehindStamps);
+}
+
 RootBytes encode_root(const Root& root) {
   RootBytes bytes{};
   std::memcpy(bytes.data(), kRootMagic, kMagicBytes);

@@ -39,6 +39,10 @@ HeaderBytes encode_header(std::uint64_t file_id, const std::tm& created);
 // kNotADatabase for a file of another kind or layout, kDamaged for one of ours whose header is.
 Status decode_header(const HeaderBytes& bytes, std::uint64_t& file_id);
 
+// Whether a header says, but for the time, what encode_header does: its checksum can hold for other words
+// too.
+bool is_header_as_made(const HeaderBytes& bytes, std::uint64_t file_id);
+
 RootBytes encode_root(const Root& root);
 bool decode_root(const RootBytes& bytes, std::uint64_t file_id, Root& root);
 

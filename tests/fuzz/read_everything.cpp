@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "fmdtoolkit/extensions.h"
 #include "fuzz/full_body.h"
 #include "fuzz/memory_watch.h"
 
@@ -247,9 +248,25 @@ void edit(FmdBody* body, std::uint64_t choice) {
   }
 }
 
-FmdBody* open_body(char* path, int index, std::uint64_t choice) {
+void limit_to_file(const char* path) {
   std::error_code ignored;
   limit_memory(kBesidesFile + kTimesFile * std::filesystem::file_size(path, ignored));
+}
+
+// What the check finds sound, a list and a reader take alike.
+void check_database(char* path) {
+  limit_to_file(path);
+  const int status = FMDX_CheckDatabase(path, nullptr, nullptr);
+  const int listed = FMDX_ListBodies(path, nullptr, nullptr);
+  lift_memory_limit();
+  if (status == 0 && (listed < 0 || listed != DB_BodyCount(path))) {
+    std::fprintf(stderr, "a sound database lists %d bodies, %d to a reader\n", listed, DB_BodyCount(path));
+    std::abort();
+  }
+}
+
+FmdBody* open_body(char* path, int index, std::uint64_t choice) {
+  limit_to_file(path);
   FmdBody* const body =
       choice % 7 == 0 ? FMD_CreateFromFMD_SurfaceMesh(path, index) : FMD_CreateFromFMD(path, index);
   lift_memory_limit();
@@ -293,6 +310,7 @@ void export_stream(FmdBody* body, std::uint64_t choice) {
 void use_database(const char* path, std::uint64_t choice) {
   std::string name = path;
   DB_ResetBrowser();
+  check_database(name.data());
   const int count = std::min(DB_BodyCount(name.data()), kMostBodies);
   for (int index = 1; index <= count; ++index) {
     char row[256];

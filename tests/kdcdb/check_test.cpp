@@ -52,6 +52,25 @@ TEST_F(CheckTest, SoundFileGivesNoReport) {
   EXPECT_EQ(reports(), std::vector<std::string>{});
 }
 
+// Found by fuzz_database: the check was content with the checksum, no session with the words.
+TEST_F(CheckTest, HeaderThatNoSessionTakesIsReported) {
+  constexpr std::size_t kChecksum = 1020;
+  for (const std::size_t at : {16U, 84U, 252U, 254U, 1016U}) {
+    FileBytes sound = file();
+    file()[at] = static_cast<unsigned char>(file()[at] ^ 1);
+    const std::uint32_t checksum = kdcdb::crc32c(file().data(), kChecksum);
+    std::memcpy(file().data() + kChecksum, &checksum, sizeof checksum);
+    EXPECT_EQ(reports(), std::vector<std::string>{"Page 0: the header is not that of a database."}) << at;
+    EXPECT_EQ(status, kdcdb::kDamaged);
+    file() = sound;
+  }
+  const std::size_t time_of_creation = 92;
+  file()[time_of_creation] = static_cast<unsigned char>(file()[time_of_creation] ^ 1);
+  const std::uint32_t checksum = kdcdb::crc32c(file().data(), kChecksum);
+  std::memcpy(file().data() + kChecksum, &checksum, sizeof checksum);
+  EXPECT_EQ(reports(), std::vector<std::string>{});
+}
+
 TEST_F(CheckTest, NamesThePageOfEveryFlippedByteThatCounts) {
   // Pages that no root leads to may hold anything: those are found by what a reader and the check say alike.
   const std::size_t pages = file().size() / kPage;
