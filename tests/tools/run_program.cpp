@@ -40,8 +40,9 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
   return result;
 }
 
-[[noreturn]] void become(std::vector<char*> arguments, std::vector<char*> environment, const Channel& output,
-                         const Channel& errors, const RunSettings& settings) {
+// Takes no memory: another thread of the parent may have held the allocator when it forked.
+[[noreturn]] void become(const std::vector<char*>& arguments, const std::vector<char*>& environment,
+                         const Channel& output, const Channel& errors, const RunSettings& settings) {
   dup2(output.theirs, STDOUT_FILENO);
   dup2(errors.theirs, STDERR_FILENO);
   if (settings.file_size_limit > 0) {
