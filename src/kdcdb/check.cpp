@@ -14,6 +14,7 @@
 
 #include "kdcdb/block_directory.h"
 #include "kdcdb/crc32c.h"
+#include "kdcdb/locks.h"
 #include "kdcdb/master_content.h"
 #include "kdcdb/store.h"
 #include "kdcdb/stored_file.h"

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "kdcdb/locks.h"
 #include "kdcdb/master_pages.h"
 #include "kdcdb/system_status.h"
 #include "system/file_system.h"
@@ -107,24 +108,14 @@ Status MasterFile::write_new(bool lasting) {
       !fmd::write_all_at(file_, slot.data(), slot.size(), root_page(root.generation) * kPageBytes))
     return status_of_error(errno);
   if (lasting && fmd::file_system().fsync(file_) != 0) return status_of_error(errno);
-  const Status status = lock();
+  const Status status = lock_for_writing(file_);
   return status == kOk ? writer_.begin(file_) : status;
-}
-
-Status MasterFile::lock() {
-  struct flock range {};
-  range.l_type = F_WRLCK;
-  range.l_whence = SEEK_SET;
-  range.l_start = kWriterLockByte;
-  range.l_len = 1;
-  if (fmd::file_system().lock(file_, F_OFD_SETLK, &range) == 0) return kOk;
-  return errno == EACCES ? kLocked : status_of_error(errno);
 }
 
 Status MasterFile::open(const char* path) {
   file_ = fmd::file_system().open(path, O_RDWR, 0);
   if (file_ < 0) return status_of_error(errno);
-  Status status = lock();
+  Status status = lock_for_writing(file_);
   if (status == kOk) status = check_name(path);
   if (status == kOk) status = writer_.begin(file_);
   if (status != kOk) close();

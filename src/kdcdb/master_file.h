@@ -10,10 +10,6 @@
 
 namespace kdcdb {
 
-// Bytes far beyond any end of file that the locks are taken on.
-constexpr std::int64_t kWriterLockByte = std::int64_t{1} << 62;
-constexpr std::int64_t kReaderLockByte = kWriterLockByte + 1;
-
 class MasterFile {
  public:
   MasterFile() = default;
@@ -39,7 +35,6 @@ class MasterFile {
   Status create_unnamed(const char* path, bool lasting, int& error);
   Status create_under_another_name(char* other_name, const char* path, bool lasting);
   Status write_new(bool lasting);
-  Status lock();
   Status check_name(const char* path);
 
   int file_ = -1;

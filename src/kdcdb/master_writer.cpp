@@ -4,23 +4,13 @@
 #include <new>
 
 #include "kdcdb/crc32c.h"
-#include "kdcdb/master_file.h"
+#include "kdcdb/locks.h"
 #include "kdcdb/system_status.h"
 #include "system/file_system.h"
 
 namespace kdcdb {
 
 namespace {
-
-// Asks without taking the lock, so that no reader is turned away.
-bool has_readers(int file) {
-  struct flock range {};
-  range.l_type = F_WRLCK;
-  range.l_whence = SEEK_SET;
-  range.l_start = kReaderLockByte;
-  range.l_len = 1;
-  return fmd::file_system().lock(file, F_OFD_GETLK, &range) != 0 || range.l_type != F_UNLCK;
-}
 
 bool is_damaged(const RootSlot& slot) {
   return slot.state == SlotState::kDamaged;

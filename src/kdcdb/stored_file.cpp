@@ -1,20 +1,11 @@
 #include "kdcdb/stored_file.h"
 
+#include "kdcdb/locks.h"
 #include "kdcdb/master_content.h"
-#include "kdcdb/master_file.h"
 #include "kdcdb/system_status.h"
 #include "system/file_system.h"
 
 namespace kdcdb {
-
-Status lock_for_reading(int file) {
-  struct flock range {};
-  range.l_type = F_RDLCK;
-  range.l_whence = SEEK_SET;
-  range.l_start = kReaderLockByte;
-  range.l_len = 1;
-  return fmd::file_system().lock(file, F_OFD_SETLK, &range) == 0 ? kOk : status_of_error(errno);
-}
 
 StoredFile::~StoredFile() {
   if (file_ >= 0) fmd::file_system().close(file_);

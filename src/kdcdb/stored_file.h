@@ -15,9 +15,6 @@
 
 namespace kdcdb {
 
-// The lock that keeps writers from taking back what the roots lead to; it ends with the open file.
-Status lock_for_reading(int file);
-
 class StoredFile {
  public:
   // Takes the lock of readers, then reads the newest state that checks; the object given, which may be null,

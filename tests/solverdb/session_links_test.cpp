@@ -6,7 +6,7 @@
 #include <fstream>
 
 #include "kdcdb/kdcdb.h"
-#include "kdcdb/master_file.h"
+#include "kdcdb/locks.h"
 #include "solverdb/stored_bodies.h"
 
 namespace {

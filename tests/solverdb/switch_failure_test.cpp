@@ -9,7 +9,7 @@
 #include <regex>
 #include <set>
 
-#include "kdcdb/master_file.h"
+#include "kdcdb/locks.h"
 #include "solverdb/stored_bodies.h"
 #include "support/failing_file_system.h"
 
